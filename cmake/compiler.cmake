@@ -1,0 +1,16 @@
+# Warnings, sanitizers and the flags that all targets share.
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
+                    -Wcast-qual -Werror)
+if(CMAKE_CXX_COMPILER_ID MATCHES Clang)
+  add_compile_options(-Wthread-safety)
+endif()
+
+if(QUIVORD_SANITIZE)
+  add_compile_options(-fsanitize=${QUIVORD_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${QUIVORD_SANITIZE})
+endif()
+
+find_program(CCACHE ccache)
+if(CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+endif()
