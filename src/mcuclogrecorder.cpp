@@ -10,7 +10,8 @@ constexpr uint32_t kKeptFree = 64;  // bytes at the end of the buffer that no li
 
 }  // namespace
 
-CTrace::CLogRecorder::CLogRecorder(char* buffer, uint32_t size) : m_lpszBuf(buffer), m_dwSize(size) {
+CTrace::CLogRecorder::CLogRecorder(char* buffer, uint32_t size)
+    : m_lpszBuf(buffer), m_dwSize(size) {
   reset();
 }
 

@@ -20,7 +20,8 @@
 namespace ZEPH_MCUC {
 
 // A mutex built before any code runs (constant-initialised) and never destroyed. The three
-// operations return 0, or -1 where the system refuses; `TryLock` also where another thread holds it.
+// operations return 0, or -1 where the system refuses; `TryLock` also where another thread holds
+// it.
 class MCUC_CAPABILITY("mutex") CMutexThread {
  public:
   constexpr CMutexThread() = default;

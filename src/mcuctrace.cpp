@@ -87,8 +87,8 @@ void CTrace::MakeFileName(char* name, std::size_t size) {
     return;
   }
   std::snprintf(name, size, "%s/%s_info_%02d%02d%04d_%d.%d.log",
-                platform::DevicePath(get_trace_dir()).c_str(), get_process_name(),
-                m_iCurrInfoMonth, m_iCurrInfoDay, m_iCurrInfoYear, m_iCurrCount, m_processid);
+                platform::DevicePath(get_trace_dir()).c_str(), get_process_name(), m_iCurrInfoMonth,
+                m_iCurrInfoDay, m_iCurrInfoYear, m_iCurrCount, m_processid);
 }
 
 uint8_t CTrace::load(void* old) {

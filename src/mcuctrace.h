@@ -1,5 +1,6 @@
-// The trace log: everything the daemon has to say, into one text file per run and day and, as far as
-// it takes lines at once, to standard output. Any thread may log; logging never stops the daemon.
+// The trace log: everything the daemon has to say, into one text file per run and day and, as far
+// as it takes lines at once, to standard output. Any thread may log; logging never stops the
+// daemon.
 #pragma once
 
 #include <cstdint>
@@ -100,15 +101,14 @@ class CTrace {
 
 // Logs `message`, a chain of values joined by <<, with the source's name and line in front. Nothing
 // is formed for a line that is not logged.
-#define MCUC_LOG(level, message)                                                     \
-  do {                                                                               \
-    if (::ZEPH_MCUC::CTrace::Wanted(level)) {                                        \
-      char mcuc_log_buffer[1024];                                                    \
-      ::ZEPH_MCUC::CTrace::CLogRecorder mcuc_log_line(mcuc_log_buffer,               \
-                                                      sizeof(mcuc_log_buffer));      \
-      mcuc_log_line << __FILE_NAME__ << " : " << __LINE__ << " " << message; /*NOLINT*/ \
-      ::ZEPH_MCUC::CTrace::instance()->trace_string(level, mcuc_log_line);           \
-    }                                                                                \
+#define MCUC_LOG(level, message)                                                                 \
+  do {                                                                                           \
+    if (::ZEPH_MCUC::CTrace::Wanted(level)) {                                                    \
+      char mcuc_log_buffer[1024];                                                                \
+      ::ZEPH_MCUC::CTrace::CLogRecorder mcuc_log_line(mcuc_log_buffer, sizeof(mcuc_log_buffer)); \
+      mcuc_log_line << __FILE_NAME__ << " : " << __LINE__ << " " << message; /*NOLINT*/          \
+      ::ZEPH_MCUC::CTrace::instance()->trace_string(level, mcuc_log_line);                       \
+    }                                                                                            \
   } while (false)
 
 }  // namespace ZEPH_MCUC

@@ -77,10 +77,10 @@ int CTraceFile::formatLine(char* buffer, std::size_t room, const char* levelName
   const time_t seconds = now.tv_sec;
   tm t{};
   localtime_r(&seconds, &t);
-  const int length = std::snprintf(
-      buffer, room, "[%02d/%02d/%04d %02d:%02d:%02d.%03ld pid=%d uuid=0x%x] %s:%s\n", t.tm_mon + 1,
-      t.tm_mday, t.tm_year + 1900, t.tm_hour, t.tm_min, t.tm_sec,
-      static_cast<long>(now.tv_usec / 1000), getpid(), log_uuid, levelName, text);
+  const int length =
+      std::snprintf(buffer, room, "[%02d/%02d/%04d %02d:%02d:%02d.%03ld pid=%d uuid=0x%x] %s:%s\n",
+                    t.tm_mon + 1, t.tm_mday, t.tm_year + 1900, t.tm_hour, t.tm_min, t.tm_sec,
+                    static_cast<long>(now.tv_usec / 1000), getpid(), log_uuid, levelName, text);
   return std::clamp(length, 0, static_cast<int>(room) - 1);
 }
 

@@ -68,9 +68,7 @@ class SharedBytes {
   uint16_t u16(std::size_t at) const {
     return static_cast<uint16_t>(bytes_[at] | bytes_[at + 1] << 8);
   }
-  uint32_t u32(std::size_t at) const {
-    return u16(at) | static_cast<uint32_t>(u16(at + 2)) << 16;
-  }
+  uint32_t u32(std::size_t at) const { return u16(at) | static_cast<uint32_t>(u16(at + 2)) << 16; }
   void setU16(std::size_t at, uint16_t value) {
     bytes_[at] = static_cast<uint8_t>(value);
     bytes_[at + 1] = static_cast<uint8_t>(value >> 8);
@@ -87,9 +85,9 @@ class SharedBytes {
 // Waits `ms` milliseconds.
 void Delay(int ms);
 
-// Writes each byte as two upper-case hexadecimal digits and a blank, closes the text and returns its
-// length, 3 * length. A null or empty source, or 3 * length not below `max`, gives an empty text and
-// 0. `dst` has room for `max` characters.
+// Writes each byte as two upper-case hexadecimal digits and a blank, closes the text and returns
+// its length, 3 * length. A null or empty source, or 3 * length not below `max`, gives an empty
+// text and 0. `dst` has room for `max` characters.
 int Bytes2String(const uint8_t* src, int length, char* dst, int max);
 
 // `word` as one word of a shell command, whatever characters it holds.

@@ -66,9 +66,9 @@ class ThirdProtoMCUCMsg : public MCUCMsg {
   ThirdProtoMCUCMsg& operator=(const ThirdProtoMCUCMsg&) = default;
   ~ThirdProtoMCUCMsg() override = default;
 
-  // Writes the whole frame: header, data where the frame carries any, sum. `m_usValidDataLength` and
-  // `m_usCheckout` take what was written. Returns the number of bytes, or -1 where `buffer` is null
-  // or `size` bytes don't hold the frame.
+  // Writes the whole frame: header, data where the frame carries any, sum. `m_usValidDataLength`
+  // and `m_usCheckout` take what was written. Returns the number of bytes, or -1 where `buffer` is
+  // null or `size` bytes don't hold the frame.
   int32_t Encode(uint8_t* buffer, uint32_t size) override;
 
 #pragma GCC diagnostic push

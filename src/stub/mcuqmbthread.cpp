@@ -25,9 +25,7 @@ void Release(mbus_msg_t* msg, void* data) {
 }  // namespace
 
 McuQMBThread::McuQMBThread(RequestEntry request, SilentEntry silent)
-    : m_request(request),
-      m_silent(silent),
-      m_vectorUIIDs{TaskId(cardsel_bit_self(), task::kOwd)} {}
+    : m_request(request), m_silent(silent), m_vectorUIIDs{TaskId(cardsel_bit_self(), task::kOwd)} {}
 
 int32_t McuQMBThread::Init() {
   MCUC_LOG(kLogInfo, "McuQMBThread init");

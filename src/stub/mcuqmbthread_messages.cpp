@@ -60,8 +60,7 @@ int32_t McuQMBThread::dealDataBlockNew(const ihead_t* head, const Flabel_t* labe
     MCUC_LOG(kLogError, "=== dealDataBlock ===Deal DataBlock: Checkout Result is false! ");
   }
   if (const int32_t result = msg.proto.Decode(frame, length); result != 0) {
-    MCUC_LOG(kLogError,
-             "=== dealDataBlock ===Decode DataBlock Failed! Decode result = " << result);
+    MCUC_LOG(kLogError, "=== dealDataBlock ===Decode DataBlock Failed! Decode result = " << result);
     return 0;
   }
   if (ack == JSHL_OK && msg.proto.DataFallsShort()) ack = JSHL_invalidAddrLen;
@@ -95,8 +94,8 @@ int32_t McuQMBThread::syncWriteCmdToAppsNew(ihead_t* head, int32_t length) {
     MCUC_LOG(kLogInfo, "syncWriteCmdToApps: not passed on, uiid = " << head->ui_id);
     return 0;
   }
-  const int32_t result = mbus_send(TaskId(slot, task::kQmb), head,
-                                   static_cast<uint32_t>(length + kEnvelopeSize));
+  const int32_t result =
+      mbus_send(TaskId(slot, task::kQmb), head, static_cast<uint32_t>(length + kEnvelopeSize));
   return result == 0 ? 0 : kSendFailed;
 }
 
@@ -117,8 +116,8 @@ int32_t McuQMBThread::syncWriteCmdToApps(ihead_t* head, Flabel_t* label, const u
     ihead_t copy = *head;
     copy.ui_id = peer;
     std::memcpy(buffer.data(), &copy, sizeof(copy));
-    if (mbus_send(TaskId(slot, task::kQmb), buffer.data(),
-                  static_cast<uint32_t>(buffer.size())) != 0) {
+    if (mbus_send(TaskId(slot, task::kQmb), buffer.data(), static_cast<uint32_t>(buffer.size())) !=
+        0) {
       result = kSendFailed;
     }
   }

@@ -14,8 +14,8 @@ namespace ZEPH_MCUC {
 int32_t StartDetachedThread(const char* owner, const char* name, void* (*body)(void*),
                             void* argument, pthread_t* thread);
 
-// The pause of a polling loop: 100 microseconds while something came within the last second, and one
-// millisecond after that, so that an idle device isn't kept awake. Used by one thread.
+// The pause of a polling loop: 100 microseconds while something came within the last second, and
+// one millisecond after that, so that an idle device isn't kept awake. Used by one thread.
 class PollPause {
  public:
   // Says that the poll found something.
