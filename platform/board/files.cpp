@@ -1,0 +1,89 @@
+#include "board/files.h"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+
+namespace board {
+namespace {
+
+std::string Reason() { return std::strerror(errno); }
+
+bool WriteAll(int file, std::string_view text) {
+  while (!text.empty()) {
+    const auto written = write(file, text.data(), text.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) return false;
+    text.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return true;
+}
+
+}  // namespace
+
+void Fail(const std::string& message) {
+  std::fflush(stdout);
+  std::fprintf(stderr, "board: %s\n", message.c_str());
+  _exit(1);  // other threads may be running: no destructors
+}
+
+FileHandle::~FileHandle() {
+  if (descriptor_ >= 0) close(descriptor_);
+}
+
+std::optional<std::string> ReadWhole(const std::filesystem::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  if (!file) return std::nullopt;
+  std::string text{std::istreambuf_iterator<char>(file), {}};
+  if (file.bad()) return std::nullopt;
+  return text;
+}
+
+bool ReplaceWhole(const std::filesystem::path& path, std::string_view text) {
+  std::string fresh = path.string() + ".XXXXXX";
+  const FileHandle file(mkostemp(fresh.data(), O_CLOEXEC));
+  if (!file) return false;
+  if (fchmod(file.get(), 0644) == 0 && WriteAll(file.get(), text) &&
+      std::rename(fresh.c_str(), path.c_str()) == 0) {
+    return true;
+  }
+  unlink(fresh.c_str());
+  return false;
+}
+
+void CreateText(const std::filesystem::path& path, std::string_view text) {
+  if (std::filesystem::exists(path)) return;
+  if (!ReplaceWhole(path, text)) Fail("cannot create " + path.string() + ": " + Reason());
+}
+
+bool CreateSized(const std::filesystem::path& path, std::size_t size) {
+  const bool is_new = !std::filesystem::exists(path);
+  const FileHandle file(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644));
+  struct stat status {};
+  if (!file || fstat(file.get(), &status) != 0) {
+    Fail("cannot open " + path.string() + ": " + Reason());
+  }
+  if (!S_ISREG(status.st_mode)) Fail(path.string() + " is not a plain file; remove it");
+  if (static_cast<std::size_t>(status.st_size) < size &&
+      ftruncate(file.get(), static_cast<off_t>(size)) != 0) {
+    Fail("cannot enlarge " + path.string() + ": " + Reason());
+  }
+  return is_new;
+}
+
+std::byte* MapShared(const std::filesystem::path& path, std::size_t size) {
+  const FileHandle file(open(path.c_str(), O_RDWR | O_CLOEXEC));
+  void* const memory =
+      file ? mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, file.get(), 0) : MAP_FAILED;
+  if (memory == MAP_FAILED) Fail("cannot map " + path.string() + ": " + Reason());
+  return static_cast<std::byte*>(memory);
+}
+
+}  // namespace board

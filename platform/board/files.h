@@ -1,0 +1,57 @@
+// Files of the board folder: whole texts, sized files, files mapped into memory.
+//
+// A fault that leaves the board unusable ends the process (`Fail`): a board in half a state would
+// lie to whoever tests on it.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace board {
+
+// Says "board: MESSAGE" on standard error and ends the process with status 1.
+[[noreturn]] void Fail(const std::string& message);
+
+// An open file that is closed with the object; -1 is none.
+class FileHandle {
+ public:
+  FileHandle() = default;
+  explicit FileHandle(int descriptor) : descriptor_(descriptor) {}
+  FileHandle(FileHandle&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
+  FileHandle& operator=(FileHandle&& other) noexcept {
+    std::swap(descriptor_, other.descriptor_);
+    return *this;
+  }
+  ~FileHandle();
+
+  explicit operator bool() const { return descriptor_ >= 0; }
+  int get() const { return descriptor_; }
+
+ private:
+  int descriptor_ = -1;
+};
+
+// The file's bytes; nothing where it can't be read.
+std::optional<std::string> ReadWhole(const std::filesystem::path& path);
+
+// Puts `text` in the file's place in one step; a reader sees the old text or the new one. False
+// where it could not, and the old text then stands.
+bool ReplaceWhole(const std::filesystem::path& path, std::string_view text);
+
+// Creates the file with `text` where there is none.
+void CreateText(const std::filesystem::path& path, std::string_view text);
+
+// Makes a plain file of at least `size` bytes; what is missing is zero and takes no room on disk.
+// True when there was no such file before.
+bool CreateSized(const std::filesystem::path& path, std::size_t size);
+
+// Maps the first `size` bytes of a file that `CreateSized` has made, for reading and writing,
+// shared with other processes, for as long as this process lives.
+std::byte* MapShared(const std::filesystem::path& path, std::size_t size);
+
+}  // namespace board

@@ -1,0 +1,125 @@
+#include "board/folder.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <system_error>
+
+#include "board/board.h"
+#include "board/cells.h"
+#include "board/faults.h"
+#include "board/files.h"
+
+namespace board {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t kLongestSocketPath = 107;  // sun_path without its closing zero
+
+constexpr const char* kFolders[] = {
+    "run",    "var/run",     "fpga", "sys/class/fpga", "etc/init.d", "usr/zeph/etc/envcfg",
+    "log",    "tmp/quivord", "root", "usr/brm100/bin", "bin",        "usr/zeph/etc/owd/cabCfg",
+    "inputs", "sensors",
+};
+
+const char* NonEmpty(const char* variable) {
+  const char* const value = std::getenv(variable);
+  return value != nullptr && *value != '\0' ? value : nullptr;
+}
+
+void MakeFolder(const fs::path& folder) {
+  std::error_code fault;
+  fs::create_directories(folder, fault);
+  if (!fs::is_directory(folder)) {
+    Fail("cannot make the folder " + folder.string() + ": " +
+         (fault ? fault.message() : std::string("something else has its name")));
+  }
+}
+
+// The board folder itself, for its owner only: whoever writes into it runs what the daemon runs.
+void MakeBoardFolder(const fs::path& folder) {
+  MakeFolder(folder.parent_path());
+  if (mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST) {
+    Fail("cannot make the board folder " + folder.string() + ": " + std::strerror(errno));
+  }
+  MakeFolder(folder);
+}
+
+// Two programs that start on one folder at once set it up one after the other.
+FileHandle LockFolder(const fs::path& folder) {
+  FileHandle handle(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  int result = -1;
+  do {
+    result = handle ? flock(handle.get(), LOCK_EX) : -1;
+  } while (result != 0 && errno == EINTR);
+  if (result != 0) Fail("cannot lock " + folder.string() + ": " + std::strerror(errno));
+  return handle;
+}
+
+Settings ReadSettings(const fs::path& file) {
+  CreateText(file, DefaultSettingsText());
+  const auto text = ReadWhole(file);
+  if (!text) Fail("cannot read " + file.string());
+  Settings settings;
+  const std::string fault = ParseSettings(*text, file.string(), settings);
+  if (!fault.empty()) Fail(fault);
+  return settings;
+}
+
+struct Board {
+  fs::path folder;
+  Settings settings;
+};
+
+Board SetUp() {
+  Board board;
+  board.folder = ChooseFolder();
+  const auto socket = board.folder / "run/mbus";
+  if (socket.native().size() > kLongestSocketPath) {
+    Fail("the folder's path is too long for a socket: " + socket.string() + " has more than " +
+         std::to_string(kLongestSocketPath) + " bytes; set QUIVORD_BOARD to a shorter path");
+  }
+  MakeBoardFolder(board.folder);
+  const FileHandle lock = LockFolder(board.folder);
+  board.settings = ReadSettings(board.folder / "board.conf");
+  for (const char* const name : kFolders) MakeFolder(board.folder / name);
+  CreateSized(board.folder / "faults", kFaultFileSize);
+  CreateSized(board.folder / "clock", 8);
+  CreateCells(board.folder, board.settings);
+  CreateText(board.folder / "sys/class/fpga/fpga_conf", "1\n");
+  CreateText(board.folder / "usr/zeph/etc/envcfg/env", "");
+  return board;
+}
+
+const Board& TheBoard() {
+  static const Board& board = *std::make_unique<const Board>(SetUp()).release();
+  return board;
+}
+
+}  // namespace
+
+fs::path ChooseFolder() {
+  fs::path folder;
+  if (const char* const named = NonEmpty("QUIVORD_BOARD")) {
+    folder = named;
+  } else if (const char* const runtime = NonEmpty("XDG_RUNTIME_DIR")) {
+    folder = fs::path(runtime) / "quivord-board";
+  } else {
+    folder = "/tmp/quivord-board-" + std::to_string(getuid());
+  }
+  folder = fs::absolute(folder).lexically_normal();
+  return folder.has_filename() ? folder : folder.parent_path();
+}
+
+const fs::path& Folder() { return TheBoard().folder; }
+
+const Settings& Config() { return TheBoard().settings; }
+
+}  // namespace board
