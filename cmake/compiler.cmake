@@ -1,5 +1,5 @@
 # Warnings, sanitizers and the flags that all targets share.
-add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor
                     -Wcast-qual -Werror)
 if(CMAKE_CXX_COMPILER_ID MATCHES Clang)
   add_compile_options(-Wthread-safety)

@@ -59,8 +59,8 @@ inline constexpr int32_t kRegister = 12;
 inline constexpr int32_t kDataLength = 16;
 inline constexpr int32_t kData = 18;
 inline constexpr int32_t kChecksumSize = 2;
-inline constexpr int32_t kShortest = kData + kChecksumSize;                 // 20
-inline constexpr int32_t kMostData = TP_SEND_BUFFER_LENGTH - kShortest;     // 65516
+inline constexpr int32_t kShortest = kData + kChecksumSize;              // 20
+inline constexpr int32_t kMostData = TP_SEND_BUFFER_LENGTH - kShortest;  // 65516
 inline constexpr uint8_t kEchoWrittenData = 0xFF;  // in the reserved byte: a write's reply has data
 }  // namespace frame
 
@@ -96,13 +96,36 @@ uint16_t FrameSum(const uint8_t* p, int32_t count);
 // Whether a frame of `length` bytes is at least the shortest one and bears the right sum.
 bool FrameSumIsRight(const uint8_t* p, int32_t length);
 
-// The bus envelope in front of a frame, 28 bytes, in the machine's own byte order.
+// The bus envelope in front of a frame: head and label, 28 bytes, in the machine's own byte order.
+struct Fipc_msg_head {
+  uint32_t ui_id = 0;  // received: the sending peer; sent: the peer to deliver to
+  int32_t lbl_cnt = 0;
+  int32_t size = 0;
+  int32_t result = 0;
+  int32_t detail = 0;
+};
+using ihead_t = Fipc_msg_head;
+static_assert(sizeof(ihead_t) == 20);
+
+struct Fcode_dtl {
+  uint16_t small = 0;
+  uint16_t large = 0;
+};
+
+struct Fqmb_label {
+  Fcode_dtl label;
+  int32_t size = 0;  // frame bytes that follow
+};
+using Flabel_t = Fqmb_label;
+static_assert(sizeof(Flabel_t) == 8);
+
+// The same 28 bytes as one record.
 struct ipcHeaderInfo {
-  uint32_t uiid = 0;           // received: the sending peer; sent: the peer to deliver to
-  uint32_t labelCount = 0;     // copied from request to reply
-  uint32_t size = 0;           // copied from request to reply
-  uint32_t result = 0;         // sent: the frame's ack
-  uint32_t detail = 0;         // copied from request to reply; a client's tag
+  uint32_t uiid = 0;        // received: the sending peer; sent: the peer to deliver to
+  uint32_t labelCount = 0;  // copied from request to reply
+  uint32_t size = 0;        // copied from request to reply
+  uint32_t result = 0;      // sent: the frame's ack
+  uint32_t detail = 0;      // copied from request to reply; a client's tag
   uint16_t smallLabel = 0;
   uint16_t largeLabel = 0;
   uint32_t payloadLength = 0;  // frame bytes that follow
@@ -110,14 +133,53 @@ struct ipcHeaderInfo {
 inline constexpr int32_t kEnvelopeSize = 28;
 static_assert(sizeof(ipcHeaderInfo) == kEnvelopeSize);
 
-// Large label of all messages that carry frames, and its small labels.
-inline constexpr uint16_t LABEL_MSG = 28;
-inline constexpr uint16_t LABEL_MSG_LOCAL = 0;
-inline constexpr uint16_t LABEL_MSG_NET = 1;
-inline constexpr uint16_t LABEL_MSG_CCID = 2;
-inline constexpr uint16_t LABEL_MSG_IO = 3;
-inline constexpr uint16_t LABEL_MSG_TTY = 4;
-inline constexpr uint16_t LABEL_MSG_MAX = 5;
+// Large labels: the kinds of message on the bus. This daemon's are LABEL_MSG; the others are other
+// tasks' business.
+enum LargeLabel : uint16_t {
+  LABEL_CONFIG_INFO = 1,
+  LABEL_TERMINAL,
+  LABEL_IP,
+  LABEL_SYSLOG,
+  LABEL_SNMP,
+  LABEL_FTC,
+  LABEL_UPDATE,
+  LABEL_DNS,
+  LABEL_SESSION,
+  LABEL_DATE,
+  LABEL_USR,
+  LABEL_ROUTE,
+  LABEL_NTP,
+  LABEL_TZONE,
+  LABEL_SYSTEM,
+  LABEL_HOSTMNG,
+  LABEL_WRITE = 18,
+  LABEL_COMMIT,
+  LABEL_CARD_INFO,
+  LABEL_PORT,
+  LABEL_EVENT,
+  LABEL_BACKUP,
+  LABEL_RESTORE,
+  LABEL_DEVICE,
+  LABEL_DHCP,
+  LABEL_LOCK,
+  LABEL_MSG,
+  LABEL_UDISK,
+  LABEL_WIN,
+  LABEL_PVW_PGM,
+  LABEL_APU,
+  LLABEL_MAX,
+};
+static_assert(LABEL_MSG == 28 && LLABEL_MAX == 33);
+
+// Small labels under LABEL_MSG.
+enum SmallLabel : uint16_t {
+  LABEL_MSG_LOCAL,
+  LABEL_MSG_NET,
+  LABEL_MSG_CCID,
+  LABEL_MSG_IO,
+  LABEL_MSG_TTY,
+  LABEL_MSG_MAX,
+};
 
 inline ipcHeaderInfo ReadEnvelope(const uint8_t* p) {
   ipcHeaderInfo info;

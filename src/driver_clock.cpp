@@ -1,0 +1,96 @@
+// The status probe and the clock chip.
+#include <fcntl.h>
+#include <platform/system.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "driverutil.h"
+#include "driverutil_comif.h"
+#include "mcuctrace.h"
+
+namespace ZEPH_MCUC {
+namespace {
+
+constexpr std::size_t kLineSize = 64;
+constexpr std::size_t kStatusSize = 16;
+constexpr char kClockDevice[] = "/dev/i2cdev9";
+constexpr unsigned long kClockRequest = 0xC10065A0;
+constexpr uint32_t kMode = 3;
+constexpr uint32_t Out_clk[] = {33, 49, 65, 81};
+constexpr int8_t kFailed = -1;  // 0xFF
+
+i2cdev_ioctl_access_t ClockRecord(uint32_t output, uint32_t frequency_hz) {
+  i2cdev_ioctl_access_t record{};
+  record.header.length = sizeof(record);
+  record.header.type = T_I2CDEV;
+  record.header.cmd = COMIF_WRITE;
+  record.extra.header.subtype = T_I2CDEV_CLK_CFG;
+  record.extra.header.devtype = T_I2CDEV_DEVTYPE_IDT6965;
+  record.extra.clk_config.out_clk = Out_clk[output];
+  record.extra.clk_config.fre_hz = frequency_hz;
+  record.extra.clk_config.out_select = output + 1;
+  record.extra.clk_config.mode_select = kMode;
+  return record;
+}
+
+}  // namespace
+
+int DriverUtil::run_command_return_string(const char* cmd, char* result, std::size_t size) {
+  if (cmd == nullptr) {
+    MCUC_LOG(kLogError, "cmd is null, exit.");
+    return -1;
+  }
+  if (result == nullptr || size == 0) {
+    MCUC_LOG(kLogError, "result is null, exit.");
+    return -1;
+  }
+  std::FILE* stream = platform::OpenShell(cmd);
+  if (stream == nullptr) {
+    MCUC_LOG(kLogError, "popen error. cmd:" << cmd);
+    return -1;
+  }
+  int status = 0;
+  char line[kLineSize] = {};
+  if (std::fgets(line, sizeof(line), stream) != nullptr) {
+    chomp(line);
+    if (line[0] == '\0') {
+      status = -1;
+    } else {
+      std::snprintf(result, size, "%s", line);
+    }
+  }
+  platform::CloseShell(stream);  // what counts is what the command printed
+  return status;
+}
+
+void DriverUtil::chomp(char* s) {
+  for (const char end : {'\n', '\r'}) {
+    if (char* at = std::strrchr(s, end); at != nullptr) *at = '\0';
+  }
+}
+
+int DriverUtil::ReadFpgaStatus(const char* cmd) {
+  char text[kStatusSize] = {};
+  if (const int result = run_command_return_string(cmd, text, sizeof(text)); result != 0) {
+    return result;
+  }
+  MCUC_LOG(kLogError, "=== ====== Read Fpga Status para = " << text << "  =========");
+  return std::atoi(text);
+}
+
+int8_t DriverUtil::SetClock(uint8_t output, uint32_t fre) {
+  const int device = platform::OpenDevice(kClockDevice, O_RDWR);
+  if (device < 0) {
+    std::puts("fail to open!!!");
+    return kFailed;
+  }
+  i2cdev_ioctl_access_t record = ClockRecord(output == 0 ? 1 : 0, fre);
+  const int result = platform::ControlDevice(device, kClockRequest, &record);
+  if (result != 0) std::puts("fail to ioctl config!!!");
+  platform::CloseDevice(device);
+  return result == 0 ? 0 : kFailed;
+}
+
+}  // namespace ZEPH_MCUC

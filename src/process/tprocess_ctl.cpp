@@ -1,0 +1,84 @@
+#include "process/tprocess_ctl.h"
+
+#include <iterator>
+
+#include "mcuctrace.h"
+
+namespace ZEPH_MCUC {
+namespace {
+
+struct Handler {
+  _ValueChanged_Table key;
+  int (*function)(int length, char* data);
+};
+
+// Every kind of work that has a row. Those whose rooms aren't built yet have no handler.
+constexpr Handler kHandlers[] = {
+    {HwBasicinfoKey, nullptr},
+    {SaveSendCardParaKey, nullptr},
+    {ReturnFactorySetKey, nullptr},
+    {ReloadSenderFPGAKey, nullptr},
+    {DoFeatureInfoKey, nullptr},
+    {CorrectionKey, nullptr},
+    {DoScreenInfoEchoKey, nullptr},
+    {HDR10Key, nullptr},
+    {HLGKey, nullptr},
+    {SenderTestPattenKey, nullptr},
+    {PictureQualityCalKey, nullptr},
+    {WarmUpKey, nullptr},
+    {DoBackupInfoKey, nullptr},
+    {CalculateParaOfSenderKey, nullptr},
+    {AdvCalcParaOfSenderKey, nullptr},
+    {PositionNetPortKey, nullptr},
+    {DoNumberFunCardPortKey, nullptr},
+    {DoSoftwareTableKey, nullptr},
+    {DoEDIDSpaceKey, nullptr},
+    {ActiveReportingKey, nullptr},
+    {SenderRGBGammaKey, nullptr},
+    {doAdjustBrightnessKey, nullptr},
+    {SendCardMappingKey, nullptr},
+    {RVConfigFileSpaceKey, nullptr},
+    {ScreenPatternGenKey, nullptr},
+    {SendtoScanCardKey, nullptr},
+    {SendtoMultiCardKey, nullptr},
+    {SendtoDistributeKey, nullptr},
+};
+static_assert(std::size(kHandlers) == 28);
+
+constexpr uint16_t kLargeLabel = 0x1C;
+constexpr uint16_t kSmallLabel = 1;
+
+}  // namespace
+
+Tprocess_ctl* Tprocess_ctl::getInstance() {
+  static auto* const instance = new Tprocess_ctl;
+  return instance;
+}
+
+Tprocess_ctl::Tprocess_ctl() {
+  std::size_t at = 0;
+  for (const Handler& handler : kHandlers) {
+    process_root[at++] = {kLargeLabel, kSmallLabel, handler.key, "", handler.function};
+  }
+}
+
+bool Tprocess_ctl::initialize() {
+  for (uint32_t i = 0; process_root[i].cmd_str != nullptr; ++i) {
+    m_mapProcess[static_cast<uint32_t>(process_root[i].process_key)] = {i, &process_root[i]};
+  }
+  return true;
+}
+
+int32_t Tprocess_ctl::onProcessDealwith(MCUProcessDataBlock* block) {
+  const CMutexGuardT guard(m_mutex);
+  const auto found = m_mapProcess.find(static_cast<uint32_t>(block->m_key));
+  if (found == m_mapProcess.end()) return 0;
+  if (found->second.cmd->called_fun == nullptr) {
+    MCUC_LOG(kLogError, "=== onProcessDealwith ===no handler for key " << block->m_key);
+    return 0;
+  }
+  found->second.cmd->called_fun(block->getDataLen(), block->getData());  // handlers log failures
+  return 0;
+}
+
+}  // namespace ZEPH_MCUC
