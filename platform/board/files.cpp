@@ -97,4 +97,17 @@ std::byte* MapShared(const std::filesystem::path& path, std::size_t size) {
   return static_cast<std::byte*>(memory);
 }
 
+std::vector<FilePart> FilledParts(const std::filesystem::path& path) {
+  std::vector<FilePart> parts;
+  const FileHandle file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!file) Fail("cannot open " + path.string() + ": " + Reason());
+  off_t end = 0;
+  for (off_t begin = 0; (begin = lseek(file.get(), end, SEEK_DATA)) >= 0;) {
+    end = lseek(file.get(), begin, SEEK_HOLE);
+    if (end < 0) break;
+    parts.push_back({static_cast<std::size_t>(begin), static_cast<std::size_t>(end)});
+  }
+  return parts;
+}
+
 }  // namespace board

@@ -11,6 +11,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace board {
 
@@ -58,5 +59,14 @@ bool CreateSized(const std::filesystem::path& path, std::size_t size);
 // Maps the first `size` bytes of a file that `CreateSized` has made, for reading and writing,
 // shared with other processes, for as long as this process lives.
 std::byte* MapShared(const std::filesystem::path& path, std::size_t size);
+
+// A stretch of bytes of a file, from `begin` up to `end`.
+struct FilePart {
+  std::size_t begin;
+  std::size_t end;
+};
+
+// The parts of a file that take room on disk, in ascending order; all else in it is 0.
+std::vector<FilePart> FilledParts(const std::filesystem::path& path);
 
 }  // namespace board

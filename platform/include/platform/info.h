@@ -1,12 +1,12 @@
-// The device info store.
+// The device info store, which tells other components what this device does.
 #pragma once
 
 #include <cstdint>
 
 extern "C" {
 
-// Does `op` with `length` bytes at `address` of the store; op 1 writes `data`. The result says
-// nothing that a caller needs. Any thread.
-int32_t st_info_op(int32_t op, uint32_t address, uint16_t length, uint8_t* data);
+// Does operation `op` on `length` bytes at `address`; 1 stores `data`, there is no other. 0 when
+// stored; the result is not read. Any thread may call it.
+int32_t st_info_op(int32_t op, uint32_t address, uint32_t length, const uint8_t* data);
 
 }  // extern "C"
