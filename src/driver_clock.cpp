@@ -1,10 +1,11 @@
-// The status probe and the clock chip.
+// Time, the status probe and the clock chip.
 #include <fcntl.h>
 #include <platform/system.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 
 #include "driverutil.h"
 #include "driverutil_comif.h"
@@ -35,7 +36,60 @@ i2cdev_ioctl_access_t ClockRecord(uint32_t output, uint32_t frequency_hz) {
   return record;
 }
 
+tm LocalTime(time_t seconds) {
+  tm local{};
+  localtime_r(&seconds, &local);
+  return local;
+}
+
+// Changes fields of the clock by `change` and keeps its microseconds and zone.
+template <class Change>
+void ChangeClock(const char* operation, Change change) {
+  MCUC_LOG(kLogInfo, operation << " Start...");
+  timeval now{};
+  struct timezone zone {};
+  platform::GetTimeOfDay(&now, &zone);
+  tm local = LocalTime(platform::Time());
+  char text[32] = {};  // 26 characters, more only for a year of five digits
+  asctime_r(&local, text);
+  DriverUtil::chomp(text);
+  MCUC_LOG(kLogInfo, operation << ": time = " << text);
+  change(&local);
+  local.tm_isdst = -1;  // the new date may lie on the other side of a change to summer time
+  now.tv_sec = mktime(&local);
+  // Without the right to set the clock it stays; a client that cares reads it back.
+  static_cast<void>(platform::SetTimeOfDay(&now, &zone));
+  MCUC_LOG(kLogInfo, operation << " End.");
+}
+
 }  // namespace
+
+uint8_t DriverUtil::ReadTime(uint8_t index) {
+  const tm now = LocalTime(platform::Time());
+  const int fields[] = {now.tm_year - 100, now.tm_mon + 1, now.tm_mday,    now.tm_hour,
+                        now.tm_min,        now.tm_sec,     now.tm_wday + 1};
+  return index < std::size(fields) ? static_cast<uint8_t>(fields[index]) : 0;
+}
+
+void DriverUtil::WriteTime(uint8_t hours, uint8_t minutes, uint8_t seconds) {
+  ChangeClock("WriteTime", [=](tm* time) {
+    time->tm_hour = hours;
+    time->tm_min = minutes;
+    time->tm_sec = seconds;
+  });
+}
+
+void DriverUtil::WriteDate(uint8_t year, uint8_t month, uint8_t date) {
+  ChangeClock("WriteDate", [=](tm* time) {
+    time->tm_mday = date;
+    time->tm_mon = month - 1;
+    time->tm_year = year + 100;
+  });
+}
+
+void DriverUtil::WriteWeekday(uint8_t day) {
+  ChangeClock("WriteWeekday", [=](tm* time) { time->tm_wday = day; });
+}
 
 int DriverUtil::run_command_return_string(const char* cmd, char* result, std::size_t size) {
   if (cmd == nullptr) {

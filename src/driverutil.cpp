@@ -1,18 +1,16 @@
 #include "driverutil.h"
 
 #include <platform/fpga.h>
-#include <platform/system.h>
 
 #include <algorithm>
 
 #include "driverutil_comif.h"
+#include "driverutil_retry.h"
 #include "mcuctrace.h"
 
 namespace ZEPH_MCUC {
 namespace {
 
-constexpr int kAttempts = 3;
-constexpr uint64_t kAfterFailure_us = 100;
 constexpr uint32_t FpgaWriteMaxLen = 1024;
 constexpr char FpgaStatusDir[] = "/bin/cat /sys/class/fpga/fpga_conf";
 constexpr char kWriteFailure[] = ">>>>>>>>>>>>>>>>>>>>> FPGA Write Fail<<<<<<<<<<<<<<<<<<<";
@@ -39,10 +37,7 @@ DriverUtil* DriverUtil::getInstance() {
 template <class Transfer>
 int32_t DriverUtil::Retry(const char* failure, Transfer transfer) {
   if (FpgaDownFlg) return -1;
-  for (int attempt = 0; attempt < kAttempts; ++attempt) {
-    if (transfer() == 0) return 0;
-    platform::SleepMicroseconds(kAfterFailure_us);
-  }
+  if (TryThreeTimes(transfer) == 0) return 0;
   ProbeAfterFailure(failure);
   return -1;
 }

@@ -1,8 +1,8 @@
 // `DriverUtil`: the one gateway between the daemon and its hardware.
 //
-// A source a subject: the FPGA bus (driverutil.cpp), the clock chip and the status probe
-// (driver_clock.cpp). All operations may be called from any thread. A result of 0 or above is
-// success unless an operation says more; failures are logged and never stop the daemon.
+// A source a subject: the FPGA bus (driverutil.cpp), flash (driver_flash.cpp), time, clock chip and
+// status probe (driver_clock.cpp). All operations may be called from any thread. A result of 0 or
+// above is success unless an operation says more; failures are logged and never stop the daemon.
 #pragma once
 
 #include <cstddef>
@@ -44,6 +44,35 @@ class DriverUtil {
                                 const uint8_t* data);
   int32_t FPGAC5_ReadDataBlock(uint8_t dev, uint8_t cmd, uint32_t addr, uint32_t length,
                                uint8_t* data);
+
+  // --- Flash ----------------------------------------------------------------------------------
+  // An address is a byte of a store of 16 MiB; `data` holds `length` bytes. Each call is tried
+  // three times and gives 0, or the platform's last failure; a failed read leaves `data` as it was.
+  // `FlashNum` is ignored.
+
+  int32_t ReadBytesFromFlash(uint32_t addr, uint32_t length, uint8_t* data);
+  int32_t ReadBytesFromFlash(uint8_t FlashNum, uint32_t addr, uint32_t length, uint8_t* data);
+  int32_t WriteDataToFlash(uint32_t addr, uint32_t length, const uint8_t* data);
+  int32_t WriteDataToFlash(uint8_t FlashNum, uint32_t addr, uint32_t length, const uint8_t* data);
+  // Writes `n` bytes, whatever pages they cross.
+  int32_t PageProgram(uint8_t FlashNum, uint32_t addr, uint16_t n, const uint8_t* data);
+  // The same on the factory store and on the copy that a factory reset prepares.
+  int32_t WriteDataToFactoryFlash(uint8_t FlashNum, uint32_t addr, uint32_t length,
+                                  const uint8_t* data);
+  int32_t WriteDataToFactoryTmpFlash(uint32_t addr, uint32_t length, const uint8_t* data);
+  // Writes 4096 zeros.
+  int32_t Erase32kBlock(uint32_t StartAddress);
+
+  // --- Time -----------------------------------------------------------------------------------
+
+  // A field of the local time: 0 year since 2000, 1 month, 2 day, 3 hour, 4 minute, 5 second,
+  // 6 weekday from 1 for Sunday; 0 for any other index.
+  uint8_t ReadTime(uint8_t index);
+  // Set fields of the clock and leave the others. `year` counts from 2000, `month` from 1. A clock
+  // that may not be set stays; nothing tells the caller. `WriteWeekday` changes nothing.
+  void WriteTime(uint8_t hours, uint8_t minutes, uint8_t seconds);
+  void WriteDate(uint8_t year, uint8_t month, uint8_t date);
+  void WriteWeekday(uint8_t day);
 
   // --- Status probe and clock chip ------------------------------------------------------------
 

@@ -1,9 +1,10 @@
-// The simulated board as its own parts see it: the folder, the faults, the trace, the settings.
+// The simulated board as its own parts see it: the folder, the faults, the trace.
 // Everything sets itself up on first use and is safe from several threads.
 #pragma once
 
 #include <cstdint>
 #include <filesystem>
+#include <mutex>
 #include <string>
 #include <string_view>
 
@@ -32,7 +33,7 @@ enum class Fault : std::uint8_t {
   kSyncCount,
 };
 
-// Counts one access of this kind; true when it is to fail.
+// Counts one access of this kind; true when it is to fail. For kinds in front of kFlashCut.
 bool TakeFault(Fault fault);
 
 enum class TraceKind : std::uint8_t {
@@ -51,6 +52,10 @@ enum class TraceKind : std::uint8_t {
 
 // Whether lines of this kind are wanted; ask before forming one.
 bool Tracing(TraceKind kind);
+
+// Held around an access and its line where lines of this kind are wanted, so that the lines stand
+// in the order of the accesses; holds nothing where they aren't.
+std::unique_lock<std::mutex> TraceOrder(TraceKind kind);
 
 // Appends one line to trace.log: time, the kind's name, `words`.
 void Trace(TraceKind kind, std::string_view words);

@@ -1,38 +1,150 @@
 #include "board/cells.h"
 
+#include <algorithm>
 #include <array>
+#include <atomic>
+#include <cstring>
 #include <numeric>
 
+#include "board/board.h"
 #include "board/files.h"
 
 namespace board {
 namespace {
 
-constexpr int kPortsPerCell = 4;
+constexpr std::size_t kPortsPerCell = 4;
 
 // The link words, four ports a byte in its low nibble, once in the register page and once beside
 // the fibers' words.
 constexpr std::array<std::uint32_t, 4> kPageLinkCells = {0x1F, 0x9F, 0x126, 0x127};
 constexpr std::uint32_t kLinkWord = 0xF05100;
 
-}  // namespace
+struct CellRange {
+  std::uint32_t first;
+  std::uint32_t last;
+};
 
-void SetLinkBits(std::byte* cells, const Settings& settings) {
-  for (std::size_t group = 0; group < kPageLinkCells.size(); ++group) {
-    unsigned bits = 0;
-    for (std::size_t i = 0; i < kPortsPerCell; ++i) {
-      const auto& devices = settings.devices[group * kPortsPerCell + i];
-      if (std::accumulate(devices.begin(), devices.end(), 0U) > 0) bits |= 1U << i;
-    }
-    cells[kPageLinkCells[group]] = static_cast<std::byte>(bits);
-    cells[kLinkWord + group] = static_cast<std::byte>(bits);
+// Cells that only the hardware changes, in ascending order.
+constexpr std::array<CellRange, 11> kStatusCells = {{{0x17, 0x17},
+                                                     {0x1E, 0x1F},
+                                                     {0x46, 0x49},
+                                                     {0x9E, 0x9F},
+                                                     {0x120, 0x121},
+                                                     {0x126, 0x127},
+                                                     {0x1D7, 0x1D7},
+                                                     {0x1E0, 0x1E1},
+                                                     {0x1F2, 0x1FB},
+                                                     {0xF04000, 0xF04003},
+                                                     {0xF05100, 0xF05103}}};
+
+std::byte* Cells(int index) {
+  static const std::array<std::byte*, kFpgas> cells = {
+      MapShared(Folder() / "fpga/0.mem", kCellCount),
+      MapShared(Folder() / "fpga/1.mem", kCellCount)};
+  return cells[static_cast<std::size_t>(index)];
+}
+
+// Cells are moved by relaxed atomic accesses, as wide as their place allows.
+using Word = unsigned long;
+
+template <typename Unit>
+std::atomic_ref<Unit> Shared(std::byte* cell) {
+  return std::atomic_ref<Unit>(*reinterpret_cast<Unit*>(cell));
+}
+
+// Calls `move(cell, offset, Unit{})` for each unit of a run of cells.
+template <typename Move>
+void ForUnits(std::byte* cells, std::size_t length, Move move) {
+  const auto misaligned = reinterpret_cast<std::uintptr_t>(cells) % sizeof(Word);
+  const std::size_t head = std::min(length, (sizeof(Word) - misaligned) % sizeof(Word));
+  std::size_t at = 0;
+  for (; at < head; ++at) move(cells + at, at, std::uint8_t{});
+  for (; at + sizeof(Word) <= length; at += sizeof(Word)) move(cells + at, at, Word{});
+  for (; at < length; ++at) move(cells + at, at, std::uint8_t{});
+}
+
+void Load(std::byte* cells, std::size_t length, std::byte* data) {
+  ForUnits(cells, length, [data](std::byte* cell, std::size_t at, auto unit) {
+    unit = Shared<decltype(unit)>(cell).load(std::memory_order_relaxed);
+    std::memcpy(data + at, &unit, sizeof(unit));
+  });
+}
+
+void Store(std::byte* cells, std::size_t length, const std::byte* data) {
+  ForUnits(cells, length, [data](std::byte* cell, std::size_t at, auto unit) {
+    std::memcpy(&unit, data + at, sizeof(unit));
+    Shared<decltype(unit)>(cell).store(unit, std::memory_order_relaxed);
+  });
+}
+
+// Calls `move(cell, length, offset)` for the run, in two pieces where it passes the last cell.
+template <typename Move>
+void ForPieces(std::uint32_t address, std::uint32_t length, Move move) {
+  for (std::uint32_t done = 0; done < length;) {
+    const std::uint32_t cell = (address + done) % kCellCount;
+    const std::uint32_t piece = std::min(length - done, kCellCount - cell);
+    move(cell, piece, done);
+    done += piece;
   }
 }
+
+// Calls `move(cell, length)` for the parts of a run that are no status cells.
+template <typename Move>
+void ForPlainCells(std::uint32_t first, std::uint32_t length, Move move) {
+  const std::uint32_t end = first + length;
+  for (const CellRange& status : kStatusCells) {
+    if (status.last < first) continue;
+    if (status.first >= end) break;
+    if (status.first > first) move(first, status.first - first);
+    first = status.last + 1;
+  }
+  if (first < end) move(first, end - first);
+}
+
+// The bits of the link byte for ports `4 * group` up.
+std::uint8_t LinkBits(const Settings& settings, std::size_t group) {
+  unsigned bits = 0;
+  for (std::size_t i = 0; i < kPortsPerCell; ++i) {
+    const auto& devices = settings.devices[group * kPortsPerCell + i];
+    if (std::accumulate(devices.begin(), devices.end(), 0U) > 0) bits |= 1U << i;
+  }
+  return static_cast<std::uint8_t>(bits);
+}
+
+}  // namespace
 
 void CreateCells(const std::filesystem::path& folder, const Settings& settings) {
   CreateSized(folder / "fpga/0.mem", kCellCount);
   if (!CreateSized(folder / "fpga/1.mem", kCellCount)) return;
-  SetLinkBits(MapShared(folder / "fpga/1.mem", kCellCount), settings);
+  std::byte* const cells = MapShared(folder / "fpga/1.mem", kCellCount);
+  for (std::size_t group = 0; group < kPageLinkCells.size(); ++group) {
+    const auto bits = static_cast<std::byte>(LinkBits(settings, group));
+    cells[kPageLinkCells[group]] = bits;
+    cells[kLinkWord + group] = bits;
+  }
+}
+
+void LoadCells(int index, std::uint32_t address, std::uint32_t length, void* data) {
+  auto* const bytes = static_cast<std::byte*>(data);
+  ForPieces(address, length, [&](std::uint32_t cell, std::uint32_t piece, std::uint32_t done) {
+    Load(Cells(index) + cell, piece, bytes + done);
+  });
+}
+
+void StoreCells(int index, std::uint32_t address, std::uint32_t length, const void* data) {
+  const auto* const bytes = static_cast<const std::byte*>(data);
+  ForPieces(address, length, [&](std::uint32_t cell, std::uint32_t piece, std::uint32_t done) {
+    Store(Cells(index) + cell, piece, bytes + done);
+  });
+}
+
+void StoreBusCells(int index, std::uint32_t address, std::uint32_t length, const void* data) {
+  const auto* const bytes = static_cast<const std::byte*>(data);
+  ForPieces(address, length, [&](std::uint32_t cell, std::uint32_t piece, std::uint32_t done) {
+    ForPlainCells(cell, piece, [&](std::uint32_t first, std::uint32_t count) {
+      Store(Cells(index) + first, count, bytes + done + (first - cell));
+    });
+  });
 }
 
 }  // namespace board

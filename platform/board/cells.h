@@ -1,5 +1,8 @@
 // The register cells of the two FPGAs, each a sparse file of 32 MiB that other processes may map
 // too.
+//
+// Any thread may call any function. Cells are read and written while others do the same: each byte
+// is then old or new.
 #pragma once
 
 #include <cstddef>
@@ -11,12 +14,18 @@
 namespace board {
 
 inline constexpr std::uint32_t kCellCount = 32U << 20;
+inline constexpr int kFpgas = 2;
 
 // Creates missing files of cells. New ones of FPGA 1 have the link bits of every port that has a
 // device behind it; all else is 0.
 void CreateCells(const std::filesystem::path& folder, const Settings& settings);
 
-// Sets the link bits of all ports in `cells` of FPGA 1, in both places, as the devices are wired.
-void SetLinkBits(std::byte* cells, const Settings& settings);
+// Moves `length` bytes between `data` and the cells of FPGA `index` (0 or 1) from `address` up;
+// addresses count modulo kCellCount. Reads and writes all cells alike, as the hardware does.
+void LoadCells(int index, std::uint32_t address, std::uint32_t length, void* data);
+void StoreCells(int index, std::uint32_t address, std::uint32_t length, const void* data);
+
+// As StoreCells, but leaves the status cells alone: a write that comes over the bus.
+void StoreBusCells(int index, std::uint32_t address, std::uint32_t length, const void* data);
 
 }  // namespace board

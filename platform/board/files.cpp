@@ -1,6 +1,7 @@
 #include "board/files.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -36,6 +37,16 @@ void Fail(const std::string& message) {
 
 FileHandle::~FileHandle() {
   if (descriptor_ >= 0) close(descriptor_);
+}
+
+FileHandle LockFolder(const std::filesystem::path& folder) {
+  FileHandle handle(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  int result = -1;
+  do {
+    result = handle ? flock(handle.get(), LOCK_EX) : -1;
+  } while (result != 0 && errno == EINTR);
+  if (result != 0) Fail("cannot lock " + folder.string() + ": " + Reason());
+  return handle;
 }
 
 std::optional<std::string> ReadWhole(const std::filesystem::path& path) {

@@ -31,10 +31,15 @@ class FileHandle {
 
   explicit operator bool() const { return descriptor_ >= 0; }
   int get() const { return descriptor_; }
+  int Release() { return std::exchange(descriptor_, -1); }
 
  private:
   int descriptor_ = -1;
 };
+
+// Waits for the lock on a folder, which other processes and threads respect; held with the handle.
+// It outlives every file in the folder, so files can be replaced under it.
+FileHandle LockFolder(const std::filesystem::path& folder);
 
 // The file's bytes; nothing where it can't be read.
 std::optional<std::string> ReadWhole(const std::filesystem::path& path);

@@ -1,7 +1,5 @@
 #include "board/folder.h"
 
-#include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -52,17 +50,6 @@ void MakeBoardFolder(const fs::path& folder) {
   MakeFolder(folder);
 }
 
-// Two programs that start on one folder at once set it up one after the other.
-FileHandle LockFolder(const fs::path& folder) {
-  FileHandle handle(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  int result = -1;
-  do {
-    result = handle ? flock(handle.get(), LOCK_EX) : -1;
-  } while (result != 0 && errno == EINTR);
-  if (result != 0) Fail("cannot lock " + folder.string() + ": " + std::strerror(errno));
-  return handle;
-}
-
 Settings ReadSettings(const fs::path& file) {
   CreateText(file, DefaultSettingsText());
   const auto text = ReadWhole(file);
@@ -87,7 +74,7 @@ Board SetUp() {
          std::to_string(kLongestSocketPath) + " bytes; set QUIVORD_BOARD to a shorter path");
   }
   MakeBoardFolder(board.folder);
-  const FileHandle lock = LockFolder(board.folder);
+  const FileHandle lock = LockFolder(board.folder);  // programs that start at once take turns
   board.settings = ReadSettings(board.folder / "board.conf");
   for (const char* const name : kFolders) MakeFolder(board.folder / name);
   CreateSized(board.folder / "faults", kFaultFileSize);

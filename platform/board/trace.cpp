@@ -2,8 +2,11 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <chrono>
+#include <memory>
 #include <mutex>
 
 #include "board/board.h"
@@ -35,6 +38,12 @@ bool Tracing(TraceKind kind) {
   return (Config().trace_kinds >> static_cast<unsigned>(kind) & 1U) != 0;
 }
 
+std::unique_lock<std::mutex> TraceOrder(TraceKind kind) {
+  static std::array<std::mutex, kTraceKinds> orders;
+  if (!Tracing(kind)) return {};
+  return std::unique_lock(orders[static_cast<std::size_t>(kind)]);
+}
+
 void Trace(TraceKind kind, std::string_view words) {
   if (!Tracing(kind)) return;
   using std::chrono::duration_cast;
@@ -44,7 +53,9 @@ void Trace(TraceKind kind, std::string_view words) {
   const std::lock_guard hold(log.order);
   const auto now = std::chrono::steady_clock::now().time_since_epoch();
   line.append(std::to_string(duration_cast<microseconds>(now).count())).append(" ");
-  line.append(TraceKindName(static_cast<int>(kind))).append(" ").append(words).append("\n");
+  line.append(TraceKindName(static_cast<int>(kind))).append(" ").append(words);
+  std::replace(line.begin(), line.end(), '\n', ' ');  // a line stays a line, whatever the words
+  line.append("\n");
   ssize_t written = 0;
   do {  // a full disk loses the line: the access itself has happened
     written = write(log.file.get(), line.data(), line.size());

@@ -1,5 +1,5 @@
-// Runs the cases of a test program, each program on a fresh board folder of its own. A case may have
-// started threads of the daemon, which never stop, so the process ends without destructors.
+// Runs the cases of a test program, each program on a fresh board folder of its own. A case may
+// have started threads of the daemon, which never stop, so the process ends without destructors.
 #include <gtest/gtest.h>
 #include <unistd.h>
 

@@ -14,15 +14,15 @@
 #include "board/faults.h"
 #include "board/files.h"
 #include "board/folder.h"
+#include "support/board_kit.h"
 
 namespace board {
 namespace {
 
 namespace fs = std::filesystem;
 
-fs::path Named() { return std::getenv("QUIVORD_BOARD"); }
-
-void Configure(const std::string& text) { std::ofstream(Named() / "board.conf") << text; }
+using board_kit::Configure;
+using board_kit::Named;
 
 TEST(BoardFolder, NewOneHoldsEverything) {
   ASSERT_EQ(Folder(), Named());

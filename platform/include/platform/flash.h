@@ -2,7 +2,8 @@
 // Each is one flat space of 16 MiB; an address is a byte offset, and nothing needs an erase.
 //
 // Any thread may call any function. A write is complete for later reads when it returns, and a
-// reader never sees half of one call. It outlasts a power cut once the shell command "sync" has run.
+// reader never sees half of one call. It outlasts a power cut once the shell command "sync" has
+// run.
 #pragma once
 
 #include <cstdint>

@@ -1,8 +1,8 @@
 // The FPGAs' register bus and the ioctl channel beside it.
 //
-// Cells are one byte wide; an address is 32 bits, of which the low 24 or 25 name a cell. Index 0 and
-// 1 name the two FPGAs. All functions may be called from any thread at the same time; a read beside
-// a write of the same cells gives each byte old or new.
+// Cells are one byte wide; an address is 32 bits, of which the low 24 or 25 name a cell. Index 0
+// and 1 name the two FPGAs. All functions may be called from any thread at the same time; a read
+// beside a write of the same cells gives each byte old or new.
 #pragma once
 
 #include <cstdint>
@@ -19,7 +19,8 @@ int32_t ReadFPGABlock(uint8_t index, uint32_t address, uint32_t length, uint8_t*
 // success of a read it holds the bytes.
 int32_t Shal_comif_ioctl(uint32_t size, uint32_t count, void* record);
 
-// Sets up the FPGA's report path; called once, at start. Negative is failure; nothing depends on it.
+// Sets up the FPGA's report path; called once, at start. Negative is failure; nothing depends on
+// it.
 int32_t FPGA_UDP_Init();
 
 }  // extern "C"

@@ -9,11 +9,11 @@ extern "C" {
 
 // What goes down a port in front of the data, 18 bytes where it is packed.
 struct RECVCARD_MESG_T {
-  uint8_t DeviceType;     // 1 receiving card, 2 multi-function card, 3 distribution box, 4 3D launcher
-  uint8_t ProtAddr;       // output port, 0xFF for all
-  uint16_t BoardAddr;     // board on the port, 0xFFFF for all
-  uint8_t code;           // 0 read, 1 write
-  uint8_t PacketType;     // 0
+  uint8_t DeviceType;  // 1 receiving card, 2 multi-function card, 3 distribution box, 4 3D launcher
+  uint8_t ProtAddr;    // output port, 0xFF for all
+  uint16_t BoardAddr;  // board on the port, 0xFFFF for all
+  uint8_t code;        // 0 read, 1 write
+  uint8_t PacketType;  // 0
   uint32_t RegisterAddr;  // register on the card
   uint16_t length;        // data bytes
   const uint8_t* data;    // null; the data goes as an argument of its own

@@ -16,7 +16,8 @@ namespace platform {
 
 // Makes the platform ready: creates or checks whatever the other functions stand on. Called once,
 // first thing in `main`; a platform whose functions set themselves up on first use may do nothing.
-// Failure: does not return; says on standard error what is wrong and ends the process with status 1.
+// Failure: does not return; says on standard error what is wrong and ends the process with
+// status 1.
 void Initialize();
 
 // Where the absolute device path `path` lies on this machine. On a device: the path itself. A path

@@ -1,0 +1,225 @@
+// Shell commands, paths, time and devices: everything stays within the board.
+#include <gtest/gtest.h>
+#include <platform/system.h>
+
+#include <array>
+#include <chrono>
+#include <csignal>
+#include <thread>
+
+#include "board/command.h"
+#include "board/files.h"
+#include "support/board_kit.h"
+
+namespace board {
+namespace {
+
+using board_kit::Configure;
+using board_kit::PutProgram;
+using board_kit::TraceLines;
+
+TEST(BoardCommand, TurnsPathsIntoTheFolder) {
+  const struct {
+    const char* text;
+    const char* run;
+    const char* shown;
+    bool strays;
+  } kCases[] = {
+      {"mkdir -p /log", "mkdir -p '/b d/log'", "mkdir -p /log", false},
+      {"cp /a/b '/c d' 2>/e", "cp '/b d/a/b' '/b d/c d' 2>'/b d/e'", "cp /a/b /c d 2>/e", false},
+      {"rm \"/b d/x\";ls /", "rm '/b d/x';ls '/b d/'", "rm /x;ls /", false},
+      {"rm /b\\ d/x", "rm '/b d/x'", "rm /x", false},
+      {"echo 'a /b' c/d \"e\"", "echo 'a /b' c/d \"e\"", "echo 'a /b' c/d \"e\"", false},
+      {"echo '/it'\\''s'", "echo '/b d/it'\\''s'", "echo /it's", false},
+      {"/bin/cat /x", "'/bin/cat' '/b d/x'", "/bin/cat /x", false},
+      {"/bin/sh -c x", nullptr, "/bin/sh -c x", true},
+      {"cat /proc/1/maps", nullptr, "cat /proc/1/maps", true},
+      {"cat /a/../../etc/passwd", nullptr, "cat /a/../../etc/passwd", true},
+      {"cat '/b d/../x'", nullptr, "cat /../x", true},
+      {"cat /a/../b", "cat '/b d/a/../b'", "cat /a/../b", false},
+      {"cat '/b dx'", "cat '/b d/b dx'", "cat /b dx", false},
+      {"echo x'/b d'/y", "echo x'/b d'/y", "echo x''/y", false},
+  };
+  for (const auto& c : kCases) {
+    const Command command = BoardCommand(c.text, "/b d");
+    if (c.run != nullptr) {
+      EXPECT_EQ(command.run, c.run) << c.text;
+    }
+    EXPECT_EQ(command.shown, c.shown) << c.text;
+    EXPECT_EQ(command.strays, c.strays) << c.text;
+  }
+}
+
+TEST(BoardCommand, FindsTheStandInsItMayRun) {
+  const std::vector<std::pair<const char*, std::vector<std::string_view>>> kCases = {
+      {"sync", {"bin/sync"}},
+      {"envcfg set a 1;'reboot' -f", {"bin/envcfg", "bin/reboot"}},
+      {"sh -c 'sleep 1; reboot -f'", {"bin/reboot"}},
+      {"/usr/brm100/bin/fw_setenv ethaddr 0", {"usr/brm100/bin/fw_setenv"}},
+      {"/x/../usr/brm100/bin/fw_setenv a", {"usr/brm100/bin/fw_setenv"}},
+      {"echo syncs a.sync fpga_conf ./sync", {}},
+      {"/bin/cat /sys/class/fpga/fpga_conf", {}},
+  };
+  for (const auto& [text, wanted] : kCases) {
+    EXPECT_EQ(BoardCommand(text, "/board").stand_ins, wanted) << text;
+  }
+}
+
+TEST(BoardShell, RunsInTheBoardAndTracesWithoutTheFolder) {
+  Configure("trace = shell");
+  Folder();
+  PutProgram("bin/killall", "echo \"$@\" > \"$QUIVORD_BOARD/log/seen\"; exit 7");
+  EXPECT_EQ(platform::RunShell("killall moirad"), 7);
+  EXPECT_EQ(platform::RunShell("mkdir -p /tmp/deep/er && test -d '/tmp/deep/er'"), 0);
+  EXPECT_EQ(platform::RunShell("kill -TERM $$"), 128 + SIGTERM);
+  EXPECT_EQ(platform::RunShell("no-such-program-here 2>/tmp/err"), 127);
+  EXPECT_EQ(ReadWhole(Folder() / "log/seen"), "moirad\n");
+  const std::vector<std::string> wanted = {
+      "shell 7 killall moirad",
+      "shell 0 mkdir -p /tmp/deep/er && test -d /tmp/deep/er",
+      "shell 143 kill -TERM $$",
+      "shell 127 no-such-program-here 2>/tmp/err",
+  };
+  EXPECT_EQ(TraceLines(), wanted);
+}
+
+TEST(BoardShell, RefusesWithoutRunningAnything) {
+  Configure("trace = shell");
+  std::filesystem::remove(Folder() / "bin/sync");
+  EXPECT_EQ(platform::RunShell("touch /tmp/ran; sync"), 127) << "the PC's sync is not run";
+  board_kit::Put("bin/sync", "not executable");
+  EXPECT_EQ(platform::RunShell("touch /tmp/ran; sync"), 127);
+  EXPECT_EQ(platform::RunShell("touch /tmp/ran; cat /../etc/passwd"), 126);
+  EXPECT_EQ(platform::OpenShell("touch /tmp/ran; cat /proc/cpuinfo"), nullptr);
+  EXPECT_FALSE(std::filesystem::exists(Folder() / "tmp/ran"));
+  EXPECT_EQ(TraceLines().back(), "shell 126 touch /tmp/ran; cat /proc/cpuinfo");
+  PutProgram("bin/sync", "exit 0");
+  EXPECT_EQ(platform::RunShell("sync"), 0) << "stood in for again while the daemon runs";
+}
+
+TEST(BoardShell, StreamGivesTheOutputAndItsEndTheStatus) {
+  Configure("trace = shell");
+  std::FILE* const stream = platform::OpenShell("/bin/cat /sys/class/fpga/fpga_conf; exit 5");
+  ASSERT_NE(stream, nullptr);
+  char line[16] = "";
+  EXPECT_STREQ(std::fgets(line, sizeof line, stream), "1\n");
+  EXPECT_TRUE(TraceLines().empty()) << "traced when it has ended";
+  EXPECT_EQ(platform::CloseShell(stream), 5);
+  EXPECT_EQ(TraceLines().back(), "shell 5 /bin/cat /sys/class/fpga/fpga_conf; exit 5");
+}
+
+TEST(BoardShell, PathsOfTheDeviceLieInTheFolder) {
+  const std::string folder = Folder();
+  EXPECT_EQ(platform::DevicePath("/log"), folder + "/log");
+  EXPECT_EQ(platform::DevicePath("/etc/init.d/flag_fpgaload"),
+            folder + "/etc/init.d/flag_fpgaload");
+  for (const std::string same : {"/proc/self/exe", "/bin/sh", "/bin/cat", "log/x", ""}) {
+    EXPECT_EQ(platform::DevicePath(same), same);
+  }
+  EXPECT_EQ(platform::DevicePath(folder + "/log"), folder + "/log");
+}
+
+std::int64_t PcSeconds() { return std::time(nullptr); }
+
+TEST(BoardClock, IsThePcsPlusTheOffset) {
+  Configure("trace = clock");
+  EXPECT_NEAR(static_cast<double>(platform::Time()), static_cast<double>(PcSeconds()), 1);
+  const struct timeval wanted { 1000000000, 250000 };
+  struct timeval got {};
+  struct timezone zone {};
+  ASSERT_EQ(platform::SetTimeOfDay(&wanted, nullptr), 0);
+  ASSERT_EQ(platform::GetTimeOfDay(&got, &zone), 0);
+  EXPECT_EQ(got.tv_sec, 1000000000);
+  EXPECT_GE(got.tv_usec, 250000);
+  const std::int64_t offset = 3600'000'000;
+  std::ofstream(Folder() / "clock", std::ios::in | std::ios::out)
+      .write(reinterpret_cast<const char*>(&offset), 8);
+  EXPECT_NEAR(static_cast<double>(platform::Time()), static_cast<double>(PcSeconds() + 3600), 1);
+  for (const struct timeval wrong : {timeval{-1, 0}, timeval{0, 1000000}, timeval{0, -1}}) {
+    EXPECT_EQ(platform::SetTimeOfDay(&wrong, nullptr), -1);
+  }
+  EXPECT_EQ(platform::SetTimeOfDay(nullptr, &zone), -1);
+  EXPECT_EQ(TraceLines(), std::vector<std::string>{"clock set 1000000000"});
+}
+
+TEST(BoardClock, AtSpeedMovesByTheWaitsOfItsThreadAlone) {
+  Configure("speed = 2000");
+  const auto begin = std::chrono::steady_clock::now();
+  struct timeval start {
+  }, now{};
+  platform::GetTimeOfDay(&start, nullptr);
+  EXPECT_NEAR(static_cast<double>(start.tv_sec), static_cast<double>(PcSeconds()), 1);
+  platform::SleepMicroseconds(10'000'000);
+  platform::GetTimeOfDay(&now, nullptr);
+  EXPECT_EQ(now.tv_sec * 1000000 + now.tv_usec, start.tv_sec * 1000000 + start.tv_usec);
+  std::thread([] {
+    platform::KeepTime();
+    for (int i = 0; i < 100; ++i) platform::SleepMicroseconds(200'000);
+    platform::SleepMicroseconds(100);
+  }).join();
+  platform::GetTimeOfDay(&now, nullptr);
+  const auto moved = (now.tv_sec - start.tv_sec) * 1000000 + now.tv_usec - start.tv_usec;
+  EXPECT_EQ(moved, 20'000'100);
+  const auto spent = std::chrono::steady_clock::now() - begin;
+  EXPECT_GE(spent, std::chrono::milliseconds(15)) << "each wait takes its share";
+  EXPECT_LT(spent, std::chrono::seconds(5));
+}
+
+void Interrupted(int) {}
+
+TEST(BoardClock, WaitIsNeverCutShort) {
+  struct sigaction action {};
+  action.sa_handler = Interrupted;
+  sigaction(SIGUSR1, &action, nullptr);
+  const auto sleeper = pthread_self();
+  std::thread disturber([sleeper] {
+    for (int i = 0; i < 5; ++i) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(4));
+      pthread_kill(sleeper, SIGUSR1);
+    }
+  });
+  const auto begin = std::chrono::steady_clock::now();
+  platform::SleepMicroseconds(30'000);
+  EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(30));
+  disturber.join();
+}
+
+// A request that sets output 1 to 27 MHz.
+std::array<std::uint32_t, 64> ClockRequest() {
+  std::array<std::uint32_t, 64> words{};
+  words[0] = 256;
+  words[1] = 1;
+  words[2] = 2;
+  words[54] = 6;
+  words[55] = 9;
+  words[59] = 49;
+  words[60] = 27000000;
+  words[61] = 2;
+  words[62] = 3;
+  return words;
+}
+
+TEST(BoardClockChip, TakesItsRequestAndNoOther) {
+  Configure("trace = clockchip");
+  EXPECT_EQ(platform::OpenDevice("/dev/i2cdev8", 2), -1);
+  const int chip = platform::OpenDevice("/dev/i2cdev9", 2);
+  ASSERT_GE(chip, 0);
+  auto words = ClockRequest();
+  SetFaultCount(Fault::kClockChip, 1);
+  EXPECT_EQ(platform::ControlDevice(chip, 0xC10065A0, words.data()), -1);
+  EXPECT_EQ(platform::ControlDevice(chip, 0xC10065A0, words.data()), 0);
+  EXPECT_EQ(TraceLines(), std::vector<std::string>(2, "clockchip 49 27000000 2 3"));
+  for (const std::size_t index : {0U, 1U, 2U, 54U, 55U}) {
+    auto wrong = ClockRequest();
+    ++wrong[index];
+    EXPECT_EQ(platform::ControlDevice(chip, 0xC10065A0, wrong.data()), -1) << index;
+  }
+  EXPECT_EQ(platform::ControlDevice(chip, 0xC10065A1, words.data()), -1);
+  EXPECT_EQ(platform::ControlDevice(chip + 1, 0xC10065A0, words.data()), -1);
+  platform::CloseDevice(chip);
+  EXPECT_EQ(platform::ControlDevice(chip, 0xC10065A0, words.data()), -1);
+  EXPECT_EQ(TraceLines().size(), 2U);
+}
+
+}  // namespace
+}  // namespace board
