@@ -9,6 +9,7 @@
 
 #include "mcucsingleton.h"
 #include "mcucutil.h"
+#include "proto/calc_shortcut.h"
 #include "proto/data_common_tables.h"
 
 namespace ZEPH_MCUC {
@@ -21,11 +22,6 @@ enum _en_reboot_type : uint8_t {
   EN_REBOOT_WAIT_SFT_DO = 3,    // asked for
   EN_REBOOT_NUM = 4,
 };
-
-// How the screen was configured, `LEDConfigStatus`.
-inline constexpr uint8_t kConfiguredSmart = 0xA8;
-inline constexpr uint8_t kConfiguredAdvanced = 0xB8;
-inline constexpr uint8_t kConfiguredBySoftware = 0xC8;
 
 inline constexpr uint16_t kDefaultCardSize = 128;
 
