@@ -12,6 +12,7 @@
 #include "board/files.h"
 #include "board/folder.h"
 #include "board/power.h"
+#include "board/stores.h"
 #include "board/text.h"
 #include "run.h"
 #include "status.h"
@@ -94,6 +95,7 @@ void Create(const Words& words) {
   if (fault || !board::ReplaceWhole(file, text)) {
     throw Refusal(kFailed, "cannot write " + file.string());
   }
+  board::CreateStores();
   std::printf("A new board lies in %s\n", board::Folder().c_str());
 }
 

@@ -123,7 +123,7 @@ int RunDaemon(const std::vector<std::string>& options) {
     if (daemon < 0) return kFailed;
     const End end = Watch(daemon);
     rebooted = board::TakeReboot();
-    const bool cut = !rebooted && end.status == kCutStatus;
+    const bool cut = !rebooted && end.status == board::kCutStatus;
     if (end.told_to_stop || (!rebooted && !cut)) return end.status;
     if (cut) board::PowerUp();
     std::fprintf(stderr, "quivord-board: the daemon ended by a %s and starts again\n",

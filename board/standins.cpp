@@ -60,7 +60,7 @@ int Reboot(const Arguments& arguments) {
 int Sync(const Arguments&) {
   for (const auto& entry : std::filesystem::directory_iterator(board::Folder() / kStores)) {
     const board::FileHandle file(open(entry.path().c_str(), O_RDONLY | O_CLOEXEC));
-    if (!file || fdatasync(file.get()) != 0) return kFailed;
+    if (file && fdatasync(file.get()) != 0) return kFailed;  // one may have gone meanwhile
   }
   board::CountUp(board::Fault::kSyncCount);
   return kDone;

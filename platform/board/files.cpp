@@ -17,16 +17,6 @@ namespace {
 
 std::string Reason() { return std::strerror(errno); }
 
-bool WriteAll(int file, std::string_view text) {
-  while (!text.empty()) {
-    const auto written = write(file, text.data(), text.size());
-    if (written < 0 && errno == EINTR) continue;
-    if (written <= 0) return false;
-    text.remove_prefix(static_cast<std::size_t>(written));
-  }
-  return true;
-}
-
 }  // namespace
 
 void Fail(const std::string& message) {
@@ -55,6 +45,16 @@ std::optional<std::string> ReadWhole(const std::filesystem::path& path) {
   std::string text{std::istreambuf_iterator<char>(file), {}};
   if (file.bad()) return std::nullopt;
   return text;
+}
+
+bool WriteAll(int file, std::string_view text) {
+  while (!text.empty()) {
+    const auto written = write(file, text.data(), text.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) return false;
+    text.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return true;
 }
 
 bool ReplaceWhole(const std::filesystem::path& path, std::string_view text) {

@@ -45,6 +45,9 @@ FileHandle LockFolder(const std::filesystem::path& folder);
 // The file's bytes; nothing where it can't be read.
 std::optional<std::string> ReadWhole(const std::filesystem::path& path);
 
+// Writes the whole text at the file's position; false where it could not.
+bool WriteAll(int file, std::string_view text);
+
 // Puts `text` in the file's place in one step; a reader sees the old text or the new one. False
 // where it could not, and the old text then stands.
 bool ReplaceWhole(const std::filesystem::path& path, std::string_view text);

@@ -11,7 +11,10 @@
 
 #include "board/board.h"
 #include "board/cells.h"
+#include "board/envstore.h"
 #include "board/files.h"
+#include "board/journal.h"
+#include "board/stores.h"
 
 namespace board {
 namespace {
@@ -52,6 +55,16 @@ bool EndHolder() {
   return false;
 }
 
+// A factory reset that got as far as this reboot takes place now.
+void LoadStores() {
+  if (ReadEnv("returnfactory") != "1") return;
+  CreateStores();
+  if (!TakeFactoryStore()) std::fputs("reboot: no factory store can be taken\n", stderr);
+  ForgetWrites();
+  WriteEnv("returnfactory", "0");
+  WriteEnv("factory_enable", "0");
+}
+
 }  // namespace
 
 void PowerUp() {
@@ -71,6 +84,7 @@ int Reboot() {
     std::fputs("reboot: the process that holds the board does not end\n", stderr);
     return 1;
   }
+  LoadStores();
   PowerUp();
   return 0;
 }

@@ -3,6 +3,9 @@
 
 namespace board {
 
+// With what a daemon ends that a power cut has ended.
+inline constexpr int kCutStatus = 75;
+
 // FPGA memory is clear but for its status cells, and the FPGA is not loaded: no flag file.
 void PowerUp();
 
@@ -10,8 +13,8 @@ void PowerUp();
 void FinishFpgaLoad();
 bool FpgaHasLoaded();
 
-// What `reboot -f` does: its own line in the trace, the end of the process that holds the board, a
-// power-up. 0 when done.
+// What `reboot -f` does: its own line in the trace, the end of the process that holds the board,
+// the boot loader's part of a factory reset where one was asked for, a power-up. 0 when done.
 int Reboot();
 
 // Whether a `reboot -f` has run since this was asked last; waits for one that still runs.

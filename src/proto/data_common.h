@@ -10,6 +10,7 @@
 
 #include "mcucsingleton.h"
 #include "mcucutil.h"
+#include "proto/calc_shortcut.h"
 #include "proto/data_common_tables.h"
 
 namespace ZEPH_MCUC {
@@ -28,11 +29,6 @@ enum RestoreSource : uint8_t { kRestoreBasicInfo = 0, kRestoreFeature = 1 };
 
 // What `SaveParaToFlash` stores.
 enum SaveSelector : uint8_t { kSaveBasicInfo = 0, kSaveAll = 1 };
-
-// How the screen was configured, `LEDConfigStatus`.
-inline constexpr uint8_t kConfiguredSmart = 0xA8;
-inline constexpr uint8_t kConfiguredAdvanced = 0xB8;
-inline constexpr uint8_t kConfiguredBySoftware = 0xC8;
 
 inline constexpr uint16_t kDefaultCardSize = 128;
 

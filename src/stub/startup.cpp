@@ -35,7 +35,9 @@ DriverUtil::LinkWords LinksOfPorts() {
 StubUtil::Wiring DaemonWiring() {
   DriverUtil::getInstance()->SetLinkSource(LinksOfPorts);
   StubUtil::Wiring wiring;
-  wiring.request = {Serve<&Tshl_ctl::Ssh_StartSendCard>};
+  wiring.request = {Serve<&Tshl_ctl::Ssh_StartSendCard>, Serve<&Tshl_ctl::Ssh_StartScanCard>,
+                    Serve<&Tshl_ctl::Ssh_StartMultiCard>, Serve<&Tshl_ctl::Ssh_StartDistribute>,
+                    Serve<&Tshl_ctl::Ssh_Start3DLauncher>};
   wiring.job = [](MCUProcessDataBlock* block) {
     return Tprocess_ctl::getInstance()->onProcessDealwith(block);
   };
