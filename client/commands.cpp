@@ -1,0 +1,15 @@
+#include "commands.h"
+
+namespace ctl {
+
+std::span<const Command* const> Commands() {
+  static constexpr const Command* kCommands[] = {
+      &kReadCommand,
+      &kWriteCommand,
+      &kMonitorCommand,
+      &kPingCommand,
+  };
+  return kCommands;
+}
+
+}  // namespace ctl

@@ -1,0 +1,19 @@
+// The commands. A new one is a source of its own that defines its row, declared here and listed in
+// commands.cpp.
+#pragma once
+
+#include <span>
+
+#include "command.h"
+
+namespace ctl {
+
+extern const Command kReadCommand;
+extern const Command kWriteCommand;
+extern const Command kMonitorCommand;
+extern const Command kPingCommand;
+
+// In the order in which help lists them.
+std::span<const Command* const> Commands();
+
+}  // namespace ctl

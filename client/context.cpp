@@ -1,0 +1,31 @@
+#include "command.h"
+
+namespace ctl {
+namespace {
+
+Exit ExitFor(quivord::Trouble trouble) {
+  return trouble == quivord::Trouble::kWrongUse ? Exit::kWrongUse : Exit::kNoAnswer;
+}
+
+}  // namespace
+
+quivord::Result<std::unique_ptr<quivord::Client>> Context::Connect(
+    std::uint32_t default_id, std::function<void(const quivord::Report&)> on_report,
+    std::function<void(const quivord::Error&)> on_end) const {
+  const std::uint32_t otherwise = default_id != 0 ? default_id : options.OwnTask();
+  return quivord::Client::Connect({.board = options.board,
+                                   .id = options.as.value_or(otherwise),
+                                   .on_report = std::move(on_report),
+                                   .on_end = std::move(on_end)});
+}
+
+Exit Context::Fail(const quivord::Error& error) const {
+  return Fail(ExitFor(error.trouble), error.text);
+}
+
+Exit Context::Fail(Exit exit, const std::string& text) const {
+  out.Fault(text, static_cast<int>(exit));
+  return exit;
+}
+
+}  // namespace ctl

@@ -1,0 +1,30 @@
+// An open descriptor that is closed with the object.
+#pragma once
+
+#include <unistd.h>
+
+#include <utility>
+
+namespace quivord {
+
+class Descriptor {
+ public:
+  Descriptor() = default;
+  explicit Descriptor(int descriptor) : descriptor_(descriptor) {}
+  Descriptor(Descriptor&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
+  Descriptor& operator=(Descriptor&& other) noexcept {
+    std::swap(descriptor_, other.descriptor_);
+    return *this;
+  }
+  ~Descriptor() {
+    if (descriptor_ >= 0) close(descriptor_);
+  }
+
+  explicit operator bool() const { return descriptor_ >= 0; }
+  int get() const { return descriptor_; }
+
+ private:
+  int descriptor_ = -1;
+};
+
+}  // namespace quivord

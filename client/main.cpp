@@ -1,0 +1,58 @@
+// quivordctl: asks the daemon of a board over its message bus, one command a call.
+#include <iostream>
+#include <vector>
+
+#include "commands.h"
+
+namespace {
+
+constexpr char kAbout[] =
+    "Talks to quivord over the message bus of a board.\n"
+    "Exit status: 0 done, 1 the device refused, 2 wrong use, 3 no daemon or no answer in time.";
+
+struct Declared {
+  CLI::App* app;
+  ctl::Run run;
+};
+
+std::vector<Declared> DeclareAll(CLI::App& app) {
+  std::vector<Declared> all;
+  for (const ctl::Command* command : ctl::Commands()) {
+    CLI::App* sub = app.add_subcommand(command->name, command->summary);
+    sub->footer(std::string("Examples:\n") + command->examples);
+    sub->fallthrough();  // the common options may stand behind the command too
+    all.push_back({sub, command->declare(*sub)});
+  }
+  return all;
+}
+
+ctl::Exit Run(const std::vector<Declared>& all, const ctl::OptionWords& words) {
+  const ctl::Options options = ctl::Understand(words);
+  ctl::Output out(options.json);
+  ctl::Context context{options, out};
+  for (const Declared& declared : all) {
+    if (declared.app->parsed()) return declared.run(context);
+  }
+  return ctl::Exit::kWrongUse;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  CLI::App app(kAbout, "quivordctl");
+  app.require_subcommand(1);
+  ctl::OptionWords words;
+  ctl::Declare(app, words);
+  const std::vector<Declared> all = DeclareAll(app);
+  try {
+    app.parse(argc, argv);
+    return static_cast<int>(Run(all, words));
+  } catch (const CLI::Success& shown) {
+    return app.exit(shown);  // help
+  } catch (const CLI::ParseError& error) {
+    ctl::Output(words.json)
+        .Fault(std::string(error.what()) + "; see quivordctl --help",
+               static_cast<int>(ctl::Exit::kWrongUse));
+    return static_cast<int>(ctl::Exit::kWrongUse);
+  }
+}

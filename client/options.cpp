@@ -1,0 +1,127 @@
+#include "options.h"
+
+#include <unistd.h>
+
+#include <array>
+#include <cmath>
+#include <fstream>
+#include <iterator>
+
+#include "board/folder.h"
+#include "board/settings.h"
+#include "numbers.h"
+
+namespace ctl {
+namespace {
+
+namespace bus = ZEPH_MCUC;
+
+constexpr std::uint32_t kUnnamedTasks = 0x7F0000;
+constexpr double kMostTimeout_s = 3600;
+
+template <class Value>
+struct Word {
+  const char* word;
+  Value value;
+};
+
+constexpr std::array<Word<std::uint32_t>, 3> kTasks = {
+    {{"owd", bus::task::kOwd}, {"kye", bus::task::kKye}, {"moirad", bus::task::kMoirad}}};
+
+constexpr std::array<Word<bus::JSHL_ProtoDeviceType_e>, 5> kDevices = {{
+    {"sender", bus::JSHL_TypeSender},
+    {"receiver", bus::JSHL_TypeReceiver},
+    {"multi", bus::JSHL_TypeMultiFunc},
+    {"distribute", bus::JSHL_TypeDistribute},
+    {"launcher", bus::JSHL_TypeLauncher3D},
+}};
+
+template <class Value, std::size_t N>
+std::optional<Value> Look(const std::array<Word<Value>, N>& words, const std::string& word) {
+  for (const auto& candidate : words) {
+    if (word == candidate.word) return candidate.value;
+  }
+  return std::nullopt;
+}
+
+template <class Value>
+Value Want(std::optional<Value> value, const char* option, const char* reason) {
+  if (!value.has_value()) throw CLI::ValidationError(option, reason);
+  return *value;
+}
+
+// The slot that the board's configuration names. A board that isn't there yet, or a configuration
+// that the daemon would refuse, is the daemon's to tell.
+std::uint8_t SlotOf(const std::filesystem::path& board) {
+  std::ifstream file(board / "board.conf");
+  const std::string text{std::istreambuf_iterator<char>(file), {}};
+  board::Settings settings;
+  const std::string fault = board::ParseSettings(text, "board.conf", settings);
+  return fault.empty() ? settings.slot : board::Settings{}.slot;
+}
+
+// A place behind the ports: a number, or `all`.
+std::uint16_t Place(const std::string& word, std::uint16_t most, std::uint16_t all,
+                    const char* option, const char* reason) {
+  if (word == "all") return all;
+  return static_cast<std::uint16_t>(Want(ParseNumber(word, most), option, reason));
+}
+
+std::uint32_t Identifier(const Options& options, const std::string& word) {
+  if (const auto task = Look(kTasks, word)) return options.Task(*task);
+  const auto number =
+      word.starts_with("0x") ? ParseNumber(word, UINT32_MAX) : std::optional<std::uint64_t>();
+  return static_cast<std::uint32_t>(Want(
+      number, "--as", "is owd, kye, moirad or a task identifier as 0x and hexadecimal digits"));
+}
+
+}  // namespace
+
+std::uint32_t Options::Task(std::uint32_t number) const { return bus::TaskId(slot, number); }
+
+std::uint32_t Options::OwnTask() const {
+  return Task(kUnnamedTasks + (static_cast<std::uint32_t>(getpid()) & 0xFFFF));
+}
+
+void Declare(CLI::App& app, OptionWords& words) {
+  app.add_option("--board", words.board, "Board folder (default: the one the daemon would take)")
+      ->type_name("DIR");
+  app.add_option("--as", words.as, "Register on the bus as owd, kye, moirad or task 0xID")
+      ->type_name("TASK");
+  app.add_option("--device", words.device,
+                 "Whose registers: sender, receiver, multi, distribute or launcher")
+      ->type_name("KIND")
+      ->capture_default_str();
+  app.add_option("--port", words.port, "Output port of the device, 0 to 15 or all")
+      ->type_name("N")
+      ->capture_default_str();
+  app.add_option("--card", words.card, "Place of the device on its port, 0 up or all")
+      ->type_name("N")
+      ->capture_default_str();
+  app.add_option("--timeout", words.timeout_s, "How long to wait for an answer")
+      ->type_name("SECONDS")
+      ->capture_default_str();
+  app.add_flag("--json", words.json, "Print JSON, one object a line");
+}
+
+Options Understand(const OptionWords& words) {
+  Options options;
+  options.board = words.board.empty() ? board::ChooseFolder() : std::filesystem::path(words.board);
+  options.slot = SlotOf(options.board);
+  if (!words.as.empty()) options.as = Identifier(options, words.as);
+  options.target.device = Want(Look(kDevices, words.device), "--device",
+                               "is sender, receiver, multi, distribute or launcher");
+  options.target.port = static_cast<std::uint8_t>(
+      Place(words.port, 15, 0xFF, "--port", "is a port from 0 to 15, or all"));
+  options.target.board =
+      Place(words.card, 0xFFFE, 0xFFFF, "--card", "is a place from 0 to 65534, or all");
+  if (!(words.timeout_s > 0 && words.timeout_s <= kMostTimeout_s)) {
+    throw CLI::ValidationError("--timeout", "is a number of seconds above 0, at most 3600");
+  }
+  options.timeout =
+      std::chrono::milliseconds(static_cast<std::int64_t>(std::ceil(words.timeout_s * 1000)));
+  options.json = words.json;
+  return options;
+}
+
+}  // namespace ctl

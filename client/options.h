@@ -1,0 +1,48 @@
+// The options that all commands share.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "quivord/messages.h"
+
+namespace ctl {
+
+struct Options {
+  std::filesystem::path board;      // the board folder
+  std::optional<std::uint32_t> as;  // task identifier, slot included; none: what the command likes
+  quivord::Target target;
+  std::chrono::milliseconds timeout{5000};
+  bool json = false;
+
+  std::uint8_t slot = 0;  // of the board
+
+  // The identifier of the task `number` in the board's slot.
+  std::uint32_t Task(std::uint32_t number) const;
+
+  // The identifier for a program of no name: one per process.
+  std::uint32_t OwnTask() const;
+};
+
+// What stands on the command line, before it is understood.
+struct OptionWords {
+  std::string board;
+  std::string as;
+  std::string device = "sender";
+  std::string port = "0";
+  std::string card = "0";
+  double timeout_s = 5;
+  bool json = false;
+};
+
+// Adds the options to `app`, filling `words`.
+void Declare(CLI::App& app, OptionWords& words);
+
+// Understands `words`. Throws CLI::ValidationError with a sentence for people.
+Options Understand(const OptionWords& words);
+
+}  // namespace ctl

@@ -1,0 +1,34 @@
+// Reading and writing one register, as commands do it: answers judged, refusals in words.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "command.h"
+
+namespace ctl {
+
+// What a read or a write came to.
+struct Answer {
+  Exit exit = Exit::kDone;
+  std::string text;                // why not, or a remark; empty where there is nothing to say
+  std::vector<std::uint8_t> data;  // of a read
+};
+
+// Reads `length` bytes at `address` of the target in the options. An answer without the bytes is a
+// refusal, save where no bytes are to be had.
+Answer ReadRegister(const Options& options, quivord::Client& client, std::uint32_t address,
+                    std::uint16_t length);
+
+// Why the sending card would refuse or lose a write of so many bytes: it would answer some of these
+// like a success, so they are not sent. Nothing where the write may go out.
+std::optional<std::string> WriteObstacle(const Options& options, std::uint32_t address,
+                                         std::size_t length);
+
+// Writes `data` at `address`, after `WriteObstacle` has been asked.
+Answer WriteRegister(const Options& options, quivord::Client& client, std::uint32_t address,
+                     std::vector<std::uint8_t> data);
+
+}  // namespace ctl
