@@ -1,8 +1,9 @@
 // `DriverUtil`: the one gateway between the daemon and its hardware.
 //
-// A source a subject: the FPGA bus (driverutil.cpp), flash (driver_flash.cpp), time, clock chip and
-// status probe (driver_clock.cpp). All operations may be called from any thread. A result of 0 or
-// above is success unless an operation says more; failures are logged and never stop the daemon.
+// A source a subject: the FPGA bus (driverutil.cpp), flash (driver_flash.cpp), cards
+// (driver_cards.cpp), time, clock chip and status probe (driver_clock.cpp). All operations may be
+// called from any thread. A result of 0 or above is success unless an operation says more; failures
+// are logged and never stop the daemon.
 #pragma once
 
 #include <cstddef>
@@ -12,6 +13,9 @@
 #include "mcucutil.h"
 
 namespace ZEPH_MCUC {
+
+// Kinds of device behind the ports.
+enum CardType : uint8_t { RecvCard = 1, MultiCard = 2, Distribute = 3, Launcher3D = 4 };
 
 class DriverUtil {
  public:
@@ -63,6 +67,34 @@ class DriverUtil {
   // Writes 4096 zeros.
   int32_t Erase32kBlock(uint32_t StartAddress);
 
+  // --- Receiving cards ------------------------------------------------------------------------
+  // One packet each, without a retry. `DevType` is a CardType; a port is 0 to 15, 0xFF for all, a
+  // board 0xFFFF for all. Reads take turns with FPGA reads; a write takes no lock.
+
+  // Reads `Num` bytes of the card's register into `ParaPtr`. 0; a broadcast gives 0 and zeros
+  // without a packet; -2 where the port has no link; else the platform's result.
+  int32_t ReadCardPara(uint32_t RegStartAddr, uint16_t PortAddr, uint16_t BoardAddr, uint16_t Num,
+                       uint8_t* ParaPtr, uint8_t DevType);
+  // The same for board 0.
+  int32_t ReadCardPara(uint32_t RegStartAddr, uint16_t PortAddr, uint16_t Num, uint8_t* ParaPtr,
+                       uint8_t DevType);
+  // Writes `Num` bytes. The platform's result.
+  int32_t SendCardPara(uint32_t RegStartAddr, uint8_t PortAddr, uint16_t BoardAddr, uint16_t Num,
+                       const uint8_t* ParaPtr, uint8_t DevType);
+  // The same to all boards of all ports; always 0.
+  int32_t SendCardPara(uint32_t RegStartAddr, uint16_t Num, const uint8_t* RecPara,
+                       uint8_t DevType);
+
+  // Gives the link bits of the ports, one bit each: copper, behind fiber 1, behind fiber 2.
+  struct LinkWords {
+    uint16_t copper = 0;
+    uint16_t fiber1 = 0;
+    uint16_t fiber2 = 0;
+  };
+  using LinkSource = LinkWords (*)();
+  // Handed down at start, before the first card read; without it no port has a link.
+  void SetLinkSource(LinkSource source) { m_linkSource = source; }
+
   // --- Time -----------------------------------------------------------------------------------
 
   // A field of the local time: 0 year since 2000, 1 month, 2 day, 3 hour, 4 minute, 5 second,
@@ -90,6 +122,8 @@ class DriverUtil {
   int8_t SetClock(uint8_t output, uint32_t fre);
 
  private:
+  Relaxed<LinkSource> m_linkSource{nullptr};
+
   template <class Transfer>
   int32_t Retry(const char* failure, Transfer transfer);
   void ProbeAfterFailure(const char* failure);

@@ -12,12 +12,15 @@
 namespace board {
 namespace {
 
-constexpr std::size_t kPortsPerCell = 4;
+constexpr std::uint32_t kPortsPerCell = 4;
 
 // The link words, four ports a byte in its low nibble, once in the register page and once beside
 // the fibers' words.
 constexpr std::array<std::uint32_t, 4> kPageLinkCells = {0x1F, 0x9F, 0x126, 0x127};
 constexpr std::uint32_t kLinkWord = 0xF05100;
+
+// The maps of ports below fiber 1 and fiber 2, two bytes each, one bit a port; in both places.
+constexpr std::array<std::uint32_t, 2> kFiberMaps = {0x1F2, 0xF04000};
 
 struct CellRange {
   std::uint32_t first;
@@ -37,10 +40,13 @@ constexpr std::array<CellRange, 11> kStatusCells = {{{0x17, 0x17},
                                                      {0xF04000, 0xF04003},
                                                      {0xF05100, 0xF05103}}};
 
+std::filesystem::path CellFile(const std::filesystem::path& folder, int index) {
+  return folder / "fpga" / (std::to_string(index) + ".mem");
+}
+
 std::byte* Cells(int index) {
   static const std::array<std::byte*, kFpgas> cells = {
-      MapShared(Folder() / "fpga/0.mem", kCellCount),
-      MapShared(Folder() / "fpga/1.mem", kCellCount)};
+      MapShared(CellFile(Folder(), 0), kCellCount), MapShared(CellFile(Folder(), 1), kCellCount)};
   return cells[static_cast<std::size_t>(index)];
 }
 
@@ -101,6 +107,12 @@ void ForPlainCells(std::uint32_t first, std::uint32_t length, Move move) {
   if (first < end) move(first, end - first);
 }
 
+void SetBit(std::uint32_t cell, std::uint32_t bit, bool on) {
+  const auto shared = Shared<std::uint8_t>(Cells(1) + cell);
+  const auto mask = static_cast<std::uint8_t>(1U << bit);
+  on ? shared.fetch_or(mask) : shared.fetch_and(static_cast<std::uint8_t>(~mask));
+}
+
 // The bits of the link byte for ports `4 * group` up.
 std::uint8_t LinkBits(const Settings& settings, std::size_t group) {
   unsigned bits = 0;
@@ -114,9 +126,9 @@ std::uint8_t LinkBits(const Settings& settings, std::size_t group) {
 }  // namespace
 
 void CreateCells(const std::filesystem::path& folder, const Settings& settings) {
-  CreateSized(folder / "fpga/0.mem", kCellCount);
-  if (!CreateSized(folder / "fpga/1.mem", kCellCount)) return;
-  std::byte* const cells = MapShared(folder / "fpga/1.mem", kCellCount);
+  CreateSized(CellFile(folder, 0), kCellCount);
+  if (!CreateSized(CellFile(folder, 1), kCellCount)) return;
+  std::byte* const cells = MapShared(CellFile(folder, 1), kCellCount);
   for (std::size_t group = 0; group < kPageLinkCells.size(); ++group) {
     const auto bits = static_cast<std::byte>(LinkBits(settings, group));
     cells[kPageLinkCells[group]] = bits;
@@ -145,6 +157,35 @@ void StoreBusCells(int index, std::uint32_t address, std::uint32_t length, const
       Store(Cells(index) + first, count, bytes + done + (first - cell));
     });
   });
+}
+
+void ClearCells(int index) {
+  // Only what is not 0 already is written, so that the file stays sparse.
+  constexpr std::uint32_t kPage = 4096;
+  static constexpr std::array<std::uint8_t, kPage> kZero{};
+  std::array<std::uint8_t, kPage> page{};
+  for (const FilePart& part : FilledParts(CellFile(Folder(), index))) {
+    for (std::size_t at = part.begin / kPage * kPage; at < part.end && at < kCellCount;
+         at += kPage) {
+      const auto cell = static_cast<std::uint32_t>(at);
+      LoadCells(index, cell, kPage, page.data());
+      if (page != kZero) StoreBusCells(index, cell, kPage, kZero.data());
+    }
+  }
+}
+
+void SetLink(int port, bool up) {
+  const auto group = static_cast<std::uint32_t>(port) / kPortsPerCell;
+  const auto bit = static_cast<std::uint32_t>(port) % kPortsPerCell;
+  SetBit(kPageLinkCells[group], bit, up);
+  SetBit(kLinkWord + group, bit, up);
+}
+
+void SetFiberLink(int fiber, int port, bool up) {
+  const auto bit = static_cast<std::uint32_t>(port);
+  for (const std::uint32_t map : kFiberMaps) {
+    SetBit(map + 2 * (static_cast<std::uint32_t>(fiber) - 1) + bit / 8, bit % 8, up);
+  }
 }
 
 }  // namespace board

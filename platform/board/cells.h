@@ -28,4 +28,12 @@ void StoreCells(int index, std::uint32_t address, std::uint32_t length, const vo
 // As StoreCells, but leaves the status cells alone: a write that comes over the bus.
 void StoreBusCells(int index, std::uint32_t address, std::uint32_t length, const void* data);
 
+// All cells 0 but for the status cells, as after a power-up.
+void ClearCells(int index);
+
+// Sets or clears a link of output port `port` (0 to 15) in all its places of FPGA 1: the copper
+// link, and the link below fiber 1 or 2.
+void SetLink(int port, bool up);
+void SetFiberLink(int fiber, int port, bool up);
+
 }  // namespace board

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cctype>
 
+#include "board/standins.h"
+
 namespace board {
 namespace {
 

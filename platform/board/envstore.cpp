@@ -1,21 +1,13 @@
 #include "board/envstore.h"
 
-#include <algorithm>
-
 #include "board/board.h"
 #include "board/files.h"
+#include "board/text.h"
 
 namespace board {
 namespace {
 
 std::filesystem::path EnvFile() { return Folder() / "usr/zeph/etc/envcfg/env"; }
-
-std::string_view TakeLine(std::string_view& rest) {
-  const auto end = std::min(rest.find('\n'), rest.size());
-  const auto line = rest.substr(0, end);
-  rest.remove_prefix(std::min(end + 1, rest.size()));
-  return line;
-}
 
 bool IsFor(std::string_view line, std::string_view key) {
   return line.size() > key.size() && line.starts_with(key) && line[key.size()] == '=';
@@ -26,7 +18,7 @@ bool IsFor(std::string_view line, std::string_view key) {
 std::optional<std::string> ReadEnv(std::string_view key) {
   const auto text = ReadWhole(EnvFile());
   for (std::string_view rest = text ? *text : std::string_view(); !rest.empty();) {
-    const auto line = TakeLine(rest);
+    const auto line = TakeUntil(rest, '\n');
     if (IsFor(line, key)) return std::string(line.substr(key.size() + 1));
   }
   return std::nullopt;
@@ -42,7 +34,7 @@ std::optional<std::string> WithSetting(std::string_view lines, std::string_view 
   std::string fresh;
   bool is_set = false;
   while (!lines.empty()) {
-    const auto line = TakeLine(lines);
+    const auto line = TakeUntil(lines, '\n');
     if (!IsFor(line, key)) {
       fresh.append(line).append("\n");
     } else if (!is_set) {

@@ -18,22 +18,12 @@ std::atomic_ref<std::int32_t> Counter(Fault fault) {
   return std::atomic_ref<std::int32_t>(counters[static_cast<std::size_t>(fault)]);
 }
 
-// Takes 1 off a counter above 0; false where it wasn't.
-bool TakeOne(Fault fault) {
-  const auto counter = Counter(fault);
-  std::int32_t count = counter.load(std::memory_order_relaxed);
-  while (count > 0) {
-    if (counter.compare_exchange_weak(count, count - 1, std::memory_order_relaxed)) return true;
-  }
-  return false;
-}
-
 }  // namespace
 
 bool TakeFault(Fault fault) {
   if (FaultCount(fault) == 0) return false;
-  if (TakeOne(Fault::kSkip)) return false;
-  return TakeOne(fault) || FaultCount(fault) < 0;
+  if (CountDown(Fault::kSkip) >= 0) return false;
+  return CountDown(fault) >= 0 || FaultCount(fault) < 0;
 }
 
 std::optional<Fault> FaultByName(std::string_view name) {
@@ -50,5 +40,16 @@ void SetFaultCount(Fault fault, int count) {
 }
 
 void CountUp(Fault fault) { Counter(fault).fetch_add(1, std::memory_order_relaxed); }
+
+int CountDown(Fault fault) {
+  const auto counter = Counter(fault);
+  std::int32_t count = counter.load(std::memory_order_relaxed);
+  while (count > 0) {
+    if (counter.compare_exchange_weak(count, count - 1, std::memory_order_relaxed)) {
+      return count - 1;
+    }
+  }
+  return -1;
+}
 
 }  // namespace board

@@ -45,7 +45,8 @@ std::optional<Fault> FaultByName(std::string_view name);
 int FaultCount(Fault fault);
 void SetFaultCount(Fault fault, int count);
 
-// Adds 1 to a counter.
+// Adds 1 to a counter. Takes 1 off a counter above 0 and says what is left; -1 where it wasn't.
 void CountUp(Fault fault);
+int CountDown(Fault fault);
 
 }  // namespace board

@@ -17,16 +17,6 @@ namespace {
 
 std::string Reason() { return std::strerror(errno); }
 
-bool WriteAll(int file, std::string_view text) {
-  while (!text.empty()) {
-    const auto written = write(file, text.data(), text.size());
-    if (written < 0 && errno == EINTR) continue;
-    if (written <= 0) return false;
-    text.remove_prefix(static_cast<std::size_t>(written));
-  }
-  return true;
-}
-
 }  // namespace
 
 void Fail(const std::string& message) {
@@ -55,6 +45,16 @@ std::optional<std::string> ReadWhole(const std::filesystem::path& path) {
   std::string text{std::istreambuf_iterator<char>(file), {}};
   if (file.bad()) return std::nullopt;
   return text;
+}
+
+bool WriteAll(int file, std::string_view text) {
+  while (!text.empty()) {
+    const auto written = write(file, text.data(), text.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) return false;
+    text.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return true;
 }
 
 bool ReplaceWhole(const std::filesystem::path& path, std::string_view text) {
@@ -95,6 +95,19 @@ std::byte* MapShared(const std::filesystem::path& path, std::size_t size) {
       file ? mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, file.get(), 0) : MAP_FAILED;
   if (memory == MAP_FAILED) Fail("cannot map " + path.string() + ": " + Reason());
   return static_cast<std::byte*>(memory);
+}
+
+std::vector<FilePart> FilledParts(const std::filesystem::path& path) {
+  std::vector<FilePart> parts;
+  const FileHandle file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!file) Fail("cannot open " + path.string() + ": " + Reason());
+  off_t end = 0;
+  for (off_t begin = 0; (begin = lseek(file.get(), end, SEEK_DATA)) >= 0;) {
+    end = lseek(file.get(), begin, SEEK_HOLE);
+    if (end < 0) break;
+    parts.push_back({static_cast<std::size_t>(begin), static_cast<std::size_t>(end)});
+  }
+  return parts;
 }
 
 }  // namespace board

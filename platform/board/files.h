@@ -11,6 +11,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace board {
 
@@ -44,6 +45,9 @@ FileHandle LockFolder(const std::filesystem::path& folder);
 // The file's bytes; nothing where it can't be read.
 std::optional<std::string> ReadWhole(const std::filesystem::path& path);
 
+// Writes the whole text at the file's position; false where it could not.
+bool WriteAll(int file, std::string_view text);
+
 // Puts `text` in the file's place in one step; a reader sees the old text or the new one. False
 // where it could not, and the old text then stands.
 bool ReplaceWhole(const std::filesystem::path& path, std::string_view text);
@@ -58,5 +62,14 @@ bool CreateSized(const std::filesystem::path& path, std::size_t size);
 // Maps the first `size` bytes of a file that `CreateSized` has made, for reading and writing,
 // shared with other processes, for as long as this process lives.
 std::byte* MapShared(const std::filesystem::path& path, std::size_t size);
+
+// A stretch of bytes of a file, from `begin` up to `end`.
+struct FilePart {
+  std::size_t begin;
+  std::size_t end;
+};
+
+// The parts of a file that take room on disk, in ascending order; all else in it is 0.
+std::vector<FilePart> FilledParts(const std::filesystem::path& path);
 
 }  // namespace board

@@ -13,6 +13,7 @@
 #include "board/cells.h"
 #include "board/faults.h"
 #include "board/files.h"
+#include "board/standins.h"
 
 namespace board {
 namespace {
@@ -82,6 +83,7 @@ Board SetUp() {
   CreateCells(board.folder, board.settings);
   CreateText(board.folder / "sys/class/fpga/fpga_conf", "1\n");
   CreateText(board.folder / "usr/zeph/etc/envcfg/env", "");
+  CreateStandIns(board.folder);
   return board;
 }
 

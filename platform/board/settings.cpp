@@ -1,8 +1,8 @@
 #include "board/settings.h"
 
 #include <algorithm>
-#include <charconv>
-#include <limits>
+
+#include "board/text.h"
 
 namespace board {
 namespace {
@@ -42,39 +42,6 @@ SettingResult UnknownKey(std::string_view key) {
 }
 SettingResult BadValue(std::string_view value, const std::string& wanted) {
   return {SettingResult::Kind::kBadValue, "bad value '" + std::string(value) + "': " + wanted};
-}
-
-std::string_view Trim(std::string_view text) {
-  constexpr std::string_view kBlank = " \t\r";
-  const auto first = text.find_first_not_of(kBlank);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(kBlank) - first + 1);
-}
-
-// Cuts the text up to the first `end` off the front of `rest`.
-std::string_view TakeUntil(std::string_view& rest, char end) {
-  const auto at = std::min(rest.find(end), rest.size());
-  const auto head = rest.substr(0, at);
-  rest.remove_prefix(std::min(at + 1, rest.size()));
-  return head;
-}
-
-// A whole text as a decimal or 0x number of at most 32 bits.
-std::optional<std::uint32_t> Number(std::string_view text) {
-  const bool hex = text.starts_with("0x") || text.starts_with("0X");
-  if (hex) text.remove_prefix(2);
-  std::uint32_t number = 0;
-  const auto [end, fault] =
-      std::from_chars(text.data(), text.data() + text.size(), number, hex ? 16 : 10);
-  if (fault != std::errc() || end != text.data() + text.size()) return std::nullopt;
-  return number;
-}
-
-std::optional<std::uint32_t> NumberBetween(std::string_view text, std::uint32_t least,
-                                           std::uint32_t most) {
-  const auto number = Number(text);
-  if (!number || *number < least || *number > most) return std::nullopt;
-  return number;
 }
 
 std::string NumberWanted(std::uint32_t least, std::uint32_t most) {

@@ -18,6 +18,7 @@
 #include "board/board.h"
 #include "board/command.h"
 #include "board/files.h"
+#include "board/stores.h"
 
 namespace board {
 namespace {
@@ -152,7 +153,7 @@ std::FILE* StartPiped(const Command& command) {
 
 namespace platform {
 
-void Initialize() { board::Folder(); }
+void Initialize() { board::CreateStores(); }
 
 std::string DevicePath(std::string_view path) { return board::InFolder(path, board::Folder()); }
 

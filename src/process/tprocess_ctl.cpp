@@ -3,6 +3,8 @@
 #include <iterator>
 
 #include "mcuctrace.h"
+#include "process/tprocess.h"
+#include "proto/data_common.h"
 
 namespace ZEPH_MCUC {
 namespace {
@@ -15,15 +17,15 @@ struct Handler {
 // Every kind of work that has a row. Those whose rooms aren't built yet have no handler.
 constexpr Handler kHandlers[] = {
     {HwBasicinfoKey, nullptr},
-    {SaveSendCardParaKey, nullptr},
+    {SaveSendCardParaKey, Tprocess::Sprocess_SaveSendCardPara},
     {ReturnFactorySetKey, nullptr},
-    {ReloadSenderFPGAKey, nullptr},
-    {DoFeatureInfoKey, nullptr},
-    {CorrectionKey, nullptr},
+    {ReloadSenderFPGAKey, Tprocess::Sprocess_ReloadSendCardProgram},
+    {DoFeatureInfoKey, Tprocess::Sprocess_DoFeatureInfo},
+    {CorrectionKey, Tprocess::Sprocess_Correction},
     {DoScreenInfoEchoKey, nullptr},
     {HDR10Key, nullptr},
     {HLGKey, nullptr},
-    {SenderTestPattenKey, nullptr},
+    {SenderTestPattenKey, Tprocess::Sprocess_SenderTestPatten},
     {PictureQualityCalKey, nullptr},
     {WarmUpKey, nullptr},
     {DoBackupInfoKey, nullptr},
@@ -33,15 +35,15 @@ constexpr Handler kHandlers[] = {
     {DoNumberFunCardPortKey, nullptr},
     {DoSoftwareTableKey, nullptr},
     {DoEDIDSpaceKey, nullptr},
-    {ActiveReportingKey, nullptr},
+    {ActiveReportingKey, Tprocess::Sprocess_ActiveReporting},
     {SenderRGBGammaKey, nullptr},
     {doAdjustBrightnessKey, nullptr},
     {SendCardMappingKey, nullptr},
     {RVConfigFileSpaceKey, nullptr},
     {ScreenPatternGenKey, nullptr},
-    {SendtoScanCardKey, nullptr},
-    {SendtoMultiCardKey, nullptr},
-    {SendtoDistributeKey, nullptr},
+    {SendtoScanCardKey, Tprocess::Sprocess_SendtoScanCard},
+    {SendtoMultiCardKey, Tprocess::Sprocess_SendtoMultiCard},
+    {SendtoDistributeKey, Tprocess::Sprocess_SendtoDistribute},
 };
 static_assert(std::size(kHandlers) == 28);
 
@@ -56,10 +58,19 @@ Tprocess_ctl* Tprocess_ctl::getInstance() {
 }
 
 Tprocess_ctl::Tprocess_ctl() {
+  Tprocess::getInstance();
   std::size_t at = 0;
   for (const Handler& handler : kHandlers) {
     process_root[at++] = {kLargeLabel, kSmallLabel, handler.key, "", handler.function};
   }
+}
+
+Relaxed<bool>& Tprocess_ctl::mbus_connect_status() {
+  return Data_Global::getInstance()->mbus_connect_status;
+}
+
+Relaxed<bool>& Tprocess_ctl::OptToNetEnableOnce() {
+  return Data_Global::getInstance()->OptToNetEnableOnce;
 }
 
 bool Tprocess_ctl::initialize() {

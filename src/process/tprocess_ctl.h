@@ -35,6 +35,37 @@ class Tprocess_ctl {
   // Runs the handler of `block`'s key; a key without a row is dropped. Always 0. Work thread.
   int32_t onProcessDealwith(MCUProcessDataBlock* block);
 
+  // The service daemon has been seen on the bus; never goes back.
+  static Relaxed<bool>& mbus_connect_status();
+  // A client asked for all reports afresh.
+  static Relaxed<bool>& OptToNetEnableOnce();
+
+  // --- The loop's steps (flag thread) -----------------------------------------------------------
+
+  // A factory reset's next step, where one is under way.
+  void RebootAfterRF();
+
+  // Change detectors: each polls a status in the FPGA, compares it with what was last reported and
+  // reports a change. What can't be read counts as it reads, 0.
+  void SendRedundtoOWD();
+  void SendNetLinktoOWD();
+  void SendFiberLinktoOWD();
+  void SendFiberBelowLinkStatustoOWD();
+  void SendFiberRedundtoOWD();
+  void SendFiberToNetStatustoOWD();
+  void SendFiberCopyStatustoOWD();
+  void SendGenLockLinktoOWD();
+  // Asks for the card size some passes after a link changed, and reports it.
+  void SendRecvCardParaToOwdByLinkChange();
+
+  // Single reports, each read from the FPGA and sent at once.
+  void SendRedundtoOWD1_4();
+  void SendRedundtoOWD5_8();
+  void SendRedundtoOWD9_16();
+  void SendNetLinktoOWD1_4();
+  void SendNetLinktoOWD5_8();
+  void SendNetLinktoOWD9_16();
+
  private:
   static constexpr std::size_t kRows = 200;
 

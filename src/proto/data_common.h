@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstdint>
+#include <span>
 
 #include "mcucsingleton.h"
 #include "mcucutil.h"
@@ -23,7 +24,17 @@ enum _en_reboot_type : uint8_t {
   EN_REBOOT_NUM = 4,
 };
 
+// What `RestoreDataFromFlash` brings back.
+enum RestoreSource : uint8_t { kRestoreBasicInfo = 0, kRestoreFeature = 1 };
+
+// What `SaveParaToFlash` stores.
+enum SaveSelector : uint8_t { kSaveBasicInfo = 0, kSaveAll = 1 };
+
 inline constexpr uint16_t kDefaultCardSize = 128;
+
+// Globals of the boot restore: the size found at a first boot, and 1 during that boot.
+inline constinit Relaxed<uint32_t> RecvCardSize_befor[2];
+inline constinit vu8 factory_flag;
 
 class Data_Global : public Singleton<Data_Global> {
  public:
@@ -50,12 +61,14 @@ class Data_Global : public Singleton<Data_Global> {
   SharedBytes<2> Fiber2BelowLinkStatus_buff;
   SharedBytes<6> SendOptRedundtoOWD_buff;
 
-  vu8 RebootRF;                      // an _en_reboot_type
-  vu8 ResetMode;                     // type of the factory reset
-  vu8 FpgaOnlineFlag;                // 1 when the FPGA has loaded
-  vu8 LocalAddr;                     // controller sort number
-  vu8 sync_hwtime_flag;              // 1 after a client set the clock
-  Relaxed<bool> FpgaParaLoadFinish;  // the boot restore has reached the FPGA
+  vu8 RebootRF;                       // an _en_reboot_type
+  vu8 ResetMode;                      // type of the factory reset
+  vu8 FpgaOnlineFlag;                 // 1 when the FPGA has loaded
+  vu8 LocalAddr;                      // controller sort number
+  vu8 sync_hwtime_flag;               // 1 after a client set the clock
+  Relaxed<bool> OptToNetEnableOnce;   // a client asked for all reports afresh
+  Relaxed<bool> mbus_connect_status;  // the service daemon has been seen on the bus
+  Relaxed<bool> FpgaParaLoadFinish;   // the boot restore has reached the FPGA
   vu8 ShortCfgReadRvStatus;  // 1 while a screen configuration has read the card size already
   vu16 GigaPhyLinkSta;       // link bits of the copper ports, bit n is port n
   vu8 OptModuleLinkSta;
@@ -67,11 +80,97 @@ class Data_Global : public Singleton<Data_Global> {
   // The tag of a store that has been saved to, and of stored tables.
   static constexpr std::array<uint8_t, 4> IsNewFlashTag = {0x39, 0xF6, 0xA5, 0x5A};
 
+  // --- Feature image and FPGA in step (data_store_screen.cpp); any thread -----------------------
+
+  // Puts `bytes` into the image at `offset` and onto the FPGA bus, in one step for whoever
+  // refreshes the image. 0, or -1 where the bus failed; the image then has them all the same.
+  int32_t WriteFeatureBus(uint32_t offset, std::span<const uint8_t> bytes);
+  // Takes `length` bytes of the image from the FPGA. 0; -1 on failure, and the image is as before.
+  int32_t RefreshFromFeatureBus(uint32_t offset, uint32_t length);
+
+  // --- Store (data_store.cpp); any thread -----------------------------------------------------
+  // None reports a failure but by the log, and a failed step never stops the next.
+
+  // Stores what a single write does not: the images and tables, then "sync". `sel` as above; any
+  // other value stores nothing.
+  void SaveParaToFlash(uint8_t sel);
+  // Marks the basic area as valid and stores its first 16 bytes.
+  void SaveBasicParaToFlash();
+  // Writes `Length` bytes in pages of 256, the rest last. The last write's result.
+  int32_t CopyConstDataToFlash(uint32_t SpiAddress, const uint8_t* wrindata, uint32_t Length);
+  // Reads `into.size()` bytes, 5120 at most, of the source `sel`; zeros where they can't be read.
+  void RestoreDataFromFlash(uint8_t sel, std::span<uint8_t> into);
+  // Two values, width and height in pixels. 0 where both are stored and not 0, else -1; a card size
+  // of 0 then reads as 128.
+  int Read_ScreenSize_FromFlash(uint32_t* ScreenSize);
+  int Read_CardSize_FromFlash(uint32_t* CardSize);
+  // Stores the card size; 0, or -1.
+  int Write_CardSize_toFlash();
+  // Stores a new output size in pixels and counts the change.
+  void ChangeOutScreenPara(uint32_t width, uint32_t heigh);
+  // Leaves a line for a service engineer where the screen's width or height is 0.
+  void DebugForScreenZero(uint16_t use_point, uint32_t addrs, const char* despString);
+
+  // --- Ports (data_store_screen.cpp)
+  // ----------------------------------------------------------------- Values of port 0 to 15 in the
+  // feature image, in pixels; offset Y for ports 0 to 9. Any other port changes nothing. None
+  // touches the FPGA.
+
+  void PortWidthUpdate(uint8_t port, uint16_t value);
+  void PortHeightUpdate(uint8_t port, uint16_t value);
+  void PortOffsetXUpdate(uint8_t port, uint16_t value);
+  void PortOffsetYUpdate(uint8_t port, uint16_t value);
+  void PortMorSUpdate(uint8_t port, uint8_t value);
+  // Makes every port master (0) or backup, in image, FPGA and flash.
+  void SendMasterOrBackup(uint8_t MasterSlaveState);
+
+  // Asks the first linked port's first card for its size, into `ReceiveCardWidth` and
+  // `ReceiveCardHeight`. 0 where it answered with a size; else -1, and the size is 128 by 128 where
+  // no link or no answer came, as before where the answer was 0. Any thread; waits for the card.
+  int GetRecvCardSize_EnvNew();
+
+  // --- Boot restore (data_restore.cpp); start, flag and work thread ----------------------------
+
+  // Flash into the arrays and, once the FPGA is online, the arrays into the FPGA.
+  void RestoreFPGA();
+
+  // --- Feature writes (data_feature.cpp); work thread -------------------------------------------
+
+  // Everything that a write of `len` bytes at the feature register `addr` sets off.
+  void DoWriteFeatureInfo(uint32_t addr, uint16_t len, const uint8_t* data);
+
+  // --- Reports (data_report.cpp); any thread ----------------------------------------------------
+  // Each sends one frame at once; a failure is logged and the report is lost.
+
+  void SendDatetoOWD(uint32_t reg, const uint8_t* data, uint16_t length);
+  // The sending card is ready; once per process.
+  void SendFlag_quivordload();
+  void SendRebootMsgtoOWD(const uint8_t* data, uint16_t length);
+  void SendRVCardWHtoOWD();
+  void SendFiberLinkInfo();
+  // Reports `length` bytes, 8 at most, that stand at FPGA address `address`; what can't be read
+  // counts as zeros.
+  void SendStatusToOWD(uint32_t address, uint16_t length);
+  // Roles of ports 1 to 4, 5 to 8, 9 to 16, read from the FPGA into the image.
+  void SendMStoOWD1_4();
+  void SendMStoOWD5_8();
+  void SendMStoOWD9_16();
+  void SendC8toKye();
+  // Reports the roles of all ports where they changed since the last pass; flag thread.
+  void SendRedundStatustoOWD();
+
   // Whether a factory reset is far enough that every message is dropped unanswered.
   bool ReceivePathSilent() const {
     const uint8_t state = RebootRF;
     return state == EN_REBOOT_ING || state == EN_REBOOT_WAIT_RET_PACK;
   }
+
+ private:
+  void BootRecover();
+
+  // Orders what takes the feature image from the FPGA with what gives it to the FPGA, so that a
+  // refresh never undoes a write that is on its way. Held for one bus transfer at a time.
+  CMutexThread m_featureBus;
 };
 
 class Data_Preset : public Singleton<Data_Preset> {

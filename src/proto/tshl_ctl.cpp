@@ -1,6 +1,7 @@
 #include "proto/tshl_ctl.h"
 
 #include "mcuctrace.h"
+#include "proto/addr_featureregister.h"
 #include "proto/addr_plugincardinforegister.h"
 #include "proto/addr_testprinfregister.h"
 
@@ -22,6 +23,7 @@ constexpr TopEntry Entry() {
 // The spaces in the order of the top table.
 constexpr TopEntry kEntries[] = {
     Entry<Addr_PluginCardInfoRegister, kPluginCardInfoSpace>(),
+    Entry<Addr_FeatureRegister, kFeatureSpace>(),
     Entry<Addr_TestPrinfRegister, kTestPrinfSpace>(),
 };
 

@@ -41,6 +41,7 @@ int32_t McuQMBThread::CreateThread() {
   const Start starts[] = {
       {"quivord-bus", ThreadProc<&McuQMBThread::MbusMsg>, &m_hMbusThread},
       {"quivord-recv", ThreadProc<&McuQMBThread::RecvMsg>, &m_hRecvThread},
+      {"quivord-flag", ThreadProc<&McuQMBThread::FlagMsg>, &m_hFlagThread},
   };
   for (const Start& start : starts) {
     if (const int32_t result =
@@ -55,6 +56,7 @@ int32_t McuQMBThread::CreateThread() {
 void McuQMBThread::Release() {
   m_bExitMbusThread = true;
   m_bExitRecvThread = true;
+  m_bExitFlagThread = true;
 }
 
 void McuQMBThread::MbusMsg() {

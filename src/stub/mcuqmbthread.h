@@ -50,6 +50,18 @@ class McuQMBThread {
   // invalid message where there is no frame; bus receive thread.
   int32_t dealDataBlockNew(const ihead_t* head, const Flabel_t* label, const uint8_t* frame);
 
+  // --- The flag thread (flagthread.cpp) ---------------------------------------------------------
+
+  // The thread's body: waits for the flag file, restores, reports, then polls until `Release`.
+  void FlagMsg();
+  // 0 once the FPGA is loaded.
+  static int CheckFPGAOnline();
+  // One pass of the polling loop; `FlagMsg` makes one every 200 ms. A program without the thread
+  // may make passes of its own.
+  static void PollingPass();
+  static void OwdMbusConnHandler();
+  static void CalculateSenderParaHandler();
+
   // The peers seen so far, each once, OWD first.
   std::vector<uint32_t> SeenPeers();
 
@@ -69,8 +81,10 @@ class McuQMBThread {
 
   pthread_t m_hMbusThread{};
   pthread_t m_hRecvThread{};
+  pthread_t m_hFlagThread{};
   Relaxed<bool> m_bExitMbusThread{false};
   Relaxed<bool> m_bExitRecvThread{false};
+  Relaxed<bool> m_bExitFlagThread{false};
 
   CMutexThreadRecursive m_uiidMutex;
   std::vector<uint32_t> m_vectorUIIDs MCUC_GUARDED_BY(m_uiidMutex);

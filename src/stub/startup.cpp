@@ -6,6 +6,7 @@
 #include <platform/mbus.h>
 #include <platform/system.h>
 
+#include "driverutil.h"
 #include "mcuctrace.h"
 #include "process/tprocess_ctl.h"
 #include "proto/data_common.h"
@@ -23,11 +24,20 @@ int32_t Serve(QMB_proto3rd* msg) {
   return (Tshl_ctl::getInstance()->*Start)(msg);
 }
 
+DriverUtil::LinkWords LinksOfPorts() {
+  const Data_Global& global = *Data_Global::getInstance();
+  return {global.GigaPhyLinkSta, global.Fiber1BelowLinkStatus_buff.u16(0),
+          global.Fiber2BelowLinkStatus_buff.u16(0)};
+}
+
 }  // namespace
 
 StubUtil::Wiring DaemonWiring() {
+  DriverUtil::getInstance()->SetLinkSource(LinksOfPorts);
   StubUtil::Wiring wiring;
-  wiring.request = {Serve<&Tshl_ctl::Ssh_StartSendCard>};
+  wiring.request = {Serve<&Tshl_ctl::Ssh_StartSendCard>, Serve<&Tshl_ctl::Ssh_StartScanCard>,
+                    Serve<&Tshl_ctl::Ssh_StartMultiCard>, Serve<&Tshl_ctl::Ssh_StartDistribute>,
+                    Serve<&Tshl_ctl::Ssh_Start3DLauncher>};
   wiring.job = [](MCUProcessDataBlock* block) {
     return Tprocess_ctl::getInstance()->onProcessDealwith(block);
   };

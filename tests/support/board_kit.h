@@ -1,6 +1,9 @@
 // What tests on a board folder share: configuring it before its first use, its counters, its trace.
 #pragma once
 
+#include <sys/wait.h>
+
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -29,6 +32,26 @@ inline void PutProgram(const std::string& path, const std::string& script) {
   std::filesystem::remove(Named() / path);
   Put(path, "#!/bin/sh\n" + script + "\n");
   std::filesystem::permissions(Named() / path, std::filesystem::perms::owner_all);
+}
+
+struct Ran {
+  int status;          // exit status, 128 + n after signal n
+  std::string output;  // standard output and error
+};
+
+// Runs a command of the PC's shell on this test's board.
+inline Ran RunCommand(const std::string& command) {
+  std::FILE* const stream = popen((command + " 2>&1").c_str(), "r");
+  Ran ran{-1, {}};
+  for (int c = 0; (c = std::fgetc(stream)) != EOF;) ran.output += static_cast<char>(c);
+  const int status = pclose(stream);
+  ran.status = WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+  return ran;
+}
+
+// Runs the board program with these arguments.
+inline Ran RunTool(const std::string& arguments) {
+  return RunCommand(QUIVORD_BUILD_DIR "/quivord-board " + arguments);
 }
 
 // The lines of the trace so far, without their times.

@@ -1,0 +1,27 @@
+// The time in register form: six bytes of two BCD digits each, year since 2000, month, day, hour,
+// minute, second.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "mcucsingleton.h"
+
+namespace ZEPH_MCUC {
+
+class BasicPublicFunc : public Singleton<BasicPublicFunc> {
+ public:
+  static constexpr std::size_t kTimeBytes = 6;
+
+  // Fills the six bytes from the hardware clock; a part that can't be read stays. Any thread.
+  void GetHwTime(std::span<uint8_t, kTimeBytes> timedata);
+
+  // Sets the system clock, and the hardware clock from it. Bytes that are not BCD, or a date or
+  // time that does not exist, are logged and not set. Work thread.
+  void SetHwTime(std::span<const uint8_t, kTimeBytes> timedata);
+
+  // The weekday of a BCD date, 1 for Monday to 7 for Sunday.
+  static uint8_t CalcWeekday(uint8_t year, uint8_t month, uint8_t date);
+};
+
+}  // namespace ZEPH_MCUC

@@ -1,0 +1,44 @@
+// What the handlers of the work queue have in common.
+#pragma once
+
+#include "mcuctrace.h"
+#include "mcucutil.h"
+#include "stub/mcuprocessdatablock.h"
+
+namespace ZEPH_MCUC {
+
+// Runs `work()` between the begin and the finish line of the handler `name`. A null block is logged
+// and does nothing. Always 0.
+template <class Work>
+int RunHandler(const char* name, const char* data, Work work) {
+  if (data == nullptr) {
+    MCUC_LOG(kLogError, "=== " << name << " ===: data block is null! return.");
+    return 0;
+  }
+  MCUC_LOG(kLogInfo, "====== Begin " << name << " ======");
+  work();
+  MCUC_LOG(kLogInfo, "====== Finish " << name << " ======");
+  return 0;
+}
+
+// Logs what a block holds; more than 511 bytes are not shown.
+inline void LogPenetrate(const char* name, const PenetrateInfo& info) {
+  if (!CTrace::Wanted(kLogInfo)) return;
+  char text[1536];
+  Bytes2String(info.data.data(), info.length, text, sizeof(text));
+  MCUC_LOG(kLogInfo, name << " register = " << CTrace::hex << info.Register
+                          << " length = " << info.length << " " << text);
+}
+
+// The same as `RunHandler` for a block that holds a register, a length and bytes, which are logged:
+// `work(info)`.
+template <class Work>
+int RunPenetrateHandler(const char* name, int lenth, const char* data, Work work) {
+  return RunHandler(name, data, [&] {
+    const PenetrateInfo info = ReadPenetrateInfo(lenth, data);
+    LogPenetrate(name, info);
+    work(info);
+  });
+}
+
+}  // namespace ZEPH_MCUC
