@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <iterator>
 
 namespace board::mbus {
 namespace {
@@ -39,12 +40,16 @@ PacketReader::Batch PacketReader::Read(int socket, std::size_t wanted) {
   } while (count < 0 && errno == EINTR);
   if (count < 0) return {.ended = errno != EAGAIN};
 
-  const auto end = headers_.begin() + count;
-  const auto empty = std::find_if(headers_.begin(), end,
-                                  [](const mmsghdr& header) { return header.msg_len == 0; });
-  if (empty == end || !OtherSideClosed(socket)) return {.count = static_cast<std::size_t>(count)};
-  return {.count = static_cast<std::size_t>(empty - headers_.begin()),
-          .ended = NothingLeft(socket)};
+  const auto begin = headers_.begin();
+  const auto end = begin + count;
+  const auto empty = [](const mmsghdr& header) { return header.msg_len == 0; };
+  if (std::none_of(begin, end, empty) || !OtherSideClosed(socket)) {
+    return {.count = static_cast<std::size_t>(count)};
+  }
+  // The empty ones at the end are the connection's end, or are lost with it.
+  const auto last =
+      std::find_if_not(std::reverse_iterator(end), std::reverse_iterator(begin), empty);
+  return {.count = static_cast<std::size_t>(last.base() - begin), .ended = NothingLeft(socket)};
 }
 
 std::span<const std::uint8_t> PacketReader::packet(std::size_t index) const {

@@ -1,9 +1,9 @@
 // How an operation of the client ended: a value, or what went wrong and in which way.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <utility>
-#include <variant>
 
 namespace quivord {
 
@@ -21,20 +21,22 @@ struct Error {
       text;  // one sentence without a full stop: what happened, and where it helps, what to do
 };
 
-// A value or an error; must be looked at. `value()` and `error()` want the fitting state.
+// A value or an error; must be looked at. `value()` throws where there is none, `error()` means
+// nothing where there is one.
 template <class T>
 class [[nodiscard]] Result {
  public:
-  Result(T value) : state_(std::move(value)) {}      // NOLINT: converts on purpose
-  Result(Error error) : state_(std::move(error)) {}  // NOLINT: converts on purpose
+  Result(T value) : value_(std::move(value)) {}      // NOLINT: converts on purpose
+  Result(Error error) : error_(std::move(error)) {}  // NOLINT: converts on purpose
 
-  explicit operator bool() const { return std::holds_alternative<T>(state_); }
-  T& value() { return std::get<T>(state_); }
-  const T& value() const { return std::get<T>(state_); }
-  const Error& error() const { return std::get<Error>(state_); }
+  explicit operator bool() const { return value_.has_value(); }
+  T& value() { return value_.value(); }
+  const T& value() const { return value_.value(); }
+  const Error& error() const { return error_; }
 
  private:
-  std::variant<T, Error> state_;
+  std::optional<T> value_;
+  Error error_{};
 };
 
 struct Done {};
