@@ -9,6 +9,7 @@
 
 #include "driverutil.h"
 #include "driverutil_comif.h"
+#include "mcucstdout.h"
 #include "mcuctrace.h"
 
 namespace ZEPH_MCUC {
@@ -137,12 +138,12 @@ int DriverUtil::ReadFpgaStatus(const char* cmd) {
 int8_t DriverUtil::SetClock(uint8_t output, uint32_t fre) {
   const int device = platform::OpenDevice(kClockDevice, O_RDWR);
   if (device < 0) {
-    std::puts("fail to open!!!");
+    SayOnStandardOutput("fail to open!!!\n");
     return kFailed;
   }
   i2cdev_ioctl_access_t record = ClockRecord(output == 0 ? 1 : 0, fre);
   const int result = platform::ControlDevice(device, kClockRequest, &record);
-  if (result != 0) std::puts("fail to ioctl config!!!");
+  if (result != 0) SayOnStandardOutput("fail to ioctl config!!!\n");
   platform::CloseDevice(device);
   return result == 0 ? 0 : kFailed;
 }

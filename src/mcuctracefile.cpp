@@ -1,13 +1,14 @@
 #include "mcuctracefile.h"
 
 #include <platform/system.h>
-#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
+
+#include "mcucstdout.h"
 
 namespace ZEPH_MCUC {
 
@@ -20,15 +21,6 @@ constinit CTraceFileMgr g_trace_mgr;
 constexpr long kHeaderSize = 32;
 constexpr unsigned log_uuid = 0;  // stands in each line and is never set
 constexpr std::size_t kLineMax = 1024;
-
-// Standard output gets its copy only where it takes it at once: a reader that has stopped reading
-// must not stop the thread that logs.
-void CopyToStandardOutput(const char* text, std::size_t length) {
-  pollfd ready{STDOUT_FILENO, POLLOUT, 0};
-  if (poll(&ready, 1, 0) != 1 || (ready.revents & POLLOUT) == 0) return;
-  const ssize_t ignored = ::write(STDOUT_FILENO, text, length);  // a lost copy is no failure
-  static_cast<void>(ignored);
-}
 
 }  // namespace
 
@@ -99,11 +91,12 @@ void CTraceFile::flush_buffer() {
   if (m_pFile == nullptr || m_pos == 0) return;
   const long end = readEnd();
   if (m_lMaxSize != 0 && m_lMaxSize <= static_cast<unsigned long>(end)) {
-    if (ftruncate(fileno(m_pFile), end) == 0) m_bMaxReached = 1;
+    m_bMaxReached = 1;  // this line is its last, also where what lies behind can't be cut off
+    static_cast<void>(ftruncate(fileno(m_pFile), end) == 0);
   }
   std::fseek(m_pFile, end, SEEK_SET);
   const std::size_t written = std::fwrite(m_buffer.data(), 1, m_pos, m_pFile);
-  CopyToStandardOutput(m_buffer.data(), m_pos);
+  SayOnStandardOutput({m_buffer.data(), m_pos});
   writeEnd(end + static_cast<long>(written));
   m_pos = 0;
   m_current_line = 0;

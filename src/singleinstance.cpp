@@ -27,10 +27,10 @@ std::string ProgramName() {
   return slash == nullptr ? "" : slash + 1;
 }
 
-[[noreturn]] void GiveUp(const std::string& what) {
-  const std::string text = what + " error : " + std::strerror(errno);
-  MCUC_LOG(kLogError, "=== runSingleInstance ===" << text.c_str());
-  std::fprintf(stderr, "quivord: %s\n", text.c_str());
+[[noreturn]] void GiveUp(const char* what, const std::string& file) {
+  const char* reason = std::strerror(errno);
+  MCUC_LOG(kLogError, "=== runSingleInstance ===" << what << file.c_str() << " error : " << reason);
+  std::fprintf(stderr, "quivord: %s%s: %s\n", what, platform::DevicePath(file).c_str(), reason);
   std::exit(1);
 }
 
@@ -38,18 +38,18 @@ std::string ProgramName() {
 
 int runSingleInstance() {
   const std::string name = ProgramName();
-  if (name.empty()) GiveUp("cannot tell the program's name");
+  if (name.empty()) GiveUp("cannot tell the program's name", "");
   const std::string path = "/var/run/" + name + ".pid";
   const int file = open(platform::DevicePath(path).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
-  if (file < 0) GiveUp("cannot open " + path);
+  if (file < 0) GiveUp("cannot open ", path);
   struct flock lock {};
   lock.l_type = F_WRLCK;
   if (fcntl(file, F_SETLK, &lock) != 0) {
     const int code = errno;
-    if (code != EACCES && code != EAGAIN) GiveUp("cannot lock " + path);
+    if (code != EACCES && code != EAGAIN) GiveUp("cannot lock ", path);
     MCUC_LOG(kLogError, "=== runSingleInstance ===already locked ,"
                             << path.c_str() << " error : " << std::strerror(code));
-    std::fprintf(stderr, "quivord: already running here, %s is locked: %s\n",
+    std::fprintf(stderr, "quivord: already running, stop that one first: %s is locked: %s\n",
                  platform::DevicePath(path).c_str(), std::strerror(code));
     close(file);
     return 0;
@@ -57,7 +57,7 @@ int runSingleInstance() {
   const std::string pid = std::to_string(getpid());
   if (ftruncate(file, 0) != 0 ||
       write(file, pid.data(), pid.size()) != static_cast<ssize_t>(pid.size())) {
-    GiveUp("cannot write " + path);
+    GiveUp("cannot write ", path);
   }
   return 1;
 }

@@ -16,6 +16,13 @@ class Tprocess : public Singleton<Tprocess> {
   static int Sprocess_ReloadSendCardProgram(int lenth, char* data);
   // tprocess_feature.cpp
   static int Sprocess_DoFeatureInfo(int lenth, char* data);
+  // tprocess_layout.cpp
+  static int Sprocess_CalculateParaOfSender(int lenth, char* data);
+  static int Sprocess_AdvCalcParaOfSender(int lenth, char* data);
+  static int Sprocess_PositionNetPort(int lenth, char* data);
+  static int Sprocess_DoNumberFunCardPort(int lenth, char* data);
+  // Lays out the wall that was asked for last; no handler of the queue, the flag thread calls it.
+  static void CalculateParaOfSenderHandler();
   // tprocess.cpp: kinds that nobody queues. They log and do nothing else.
   static int Sprocess_Correction(int lenth, char* data);
   static int Sprocess_SenderTestPatten(int lenth, char* data);

@@ -11,7 +11,9 @@
 #include "mcucsingleton.h"
 #include "mcucutil.h"
 #include "proto/calc_shortcut.h"
+#include "proto/data_common_layout.h"
 #include "proto/data_common_tables.h"
+#include "proto/mosaic_advanced.h"
 
 namespace ZEPH_MCUC {
 
@@ -87,6 +89,13 @@ class Data_Global : public Singleton<Data_Global> {
   int32_t WriteFeatureBus(uint32_t offset, std::span<const uint8_t> bytes);
   // Takes `length` bytes of the image from the FPGA. 0; -1 on failure, and the image is as before.
   int32_t RefreshFromFeatureBus(uint32_t offset, uint32_t length);
+  // Runs `change` on the image and sends what a layout touches of it, 0x1AE bytes from 0x18 on.
+  template <class Change>
+  void CommitFeatureImage(Change change) {
+    const CMutexGuardT guard(m_featureBus);
+    change();
+    SendLayoutOfImage();
+  }
 
   // --- Store (data_store.cpp); any thread -----------------------------------------------------
   // None reports a failure but by the log, and a failed step never stops the next.
@@ -124,10 +133,26 @@ class Data_Global : public Singleton<Data_Global> {
   // Makes every port master (0) or backup, in image, FPGA and flash.
   void SendMasterOrBackup(uint8_t MasterSlaveState);
 
+  // --- Layout (data_layout*.cpp) -----------------------------------------------------------------
+
   // Asks the first linked port's first card for its size, into `ReceiveCardWidth` and
   // `ReceiveCardHeight`. 0 where it answered with a size; else -1, and the size is 128 by 128 where
   // no link or no answer came, as before where the answer was 0. Any thread; waits for the card.
   int GetRecvCardSize_EnvNew();
+  // Whether a wall lies within the limits of a device: 0, or an invalid message. Nothing is
+  // changed.
+  int32_t CheckParaOfSender(const SmartConfig& config);
+  // Takes rows by columns of cards as the screen's size, into image, FPGA and flash; work thread.
+  void CalculateParaGetSreenSize(const SmartConfig& config);
+  // Lays the wall out on the ports: image, tables, FPGA and flash. A wall that can't be laid out is
+  // logged, and the image as it stands is sent and saved. Flag thread, and at a first boot.
+  void CalculateParaOfSenderInMosaicMode(const SmartConfig& config);
+  // The same for ports placed one by one; work thread. The second asks for the card size and gives
+  // 0, or 0x80005011 where the ports carry too many cabinets, and then nothing changes.
+  void AdvCalcParaGetSreenSize(const AdvancedPorts& ports);
+  int32_t AdvCalcParaOfSenderInMosaicMode(const AdvancedPorts& ports);
+  // Fills the position table of `port` and writes it out; 0.
+  uint8_t AdvCordinateCalc(std::size_t port, const AdvancedPort& record);
 
   // --- Boot restore (data_restore.cpp); start, flag and work thread ----------------------------
 
@@ -167,6 +192,7 @@ class Data_Global : public Singleton<Data_Global> {
 
  private:
   void BootRecover();
+  void SendLayoutOfImage();
 
   // Orders what takes the feature image from the FPGA with what gives it to the FPGA, so that a
   // refresh never undoes a write that is on its way. Held for one bus transfer at a time.

@@ -101,7 +101,7 @@ void RestoreFirstBoot(Data_Global* data) {
   if (data->FpgaOnlineFlag == 1) {
     platform::RunShell("envcfg set firstboot 0");
     MCUC_LOG(kLogInfo, "=======Recover smart LED configure when Reboot after ReturnFactory.");
-    // The layout of one card is calculated here.
+    data->CalculateParaOfSenderInMosaicMode({1, 1, 1, 0, 0});
     ReadConfigStatus(data);
     data->SendMStoOWD1_4();
     data->SendMStoOWD5_8();

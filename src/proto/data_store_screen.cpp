@@ -140,6 +140,13 @@ int32_t Data_Global::RefreshFromFeatureBus(uint32_t offset, uint32_t length) {
   return result;
 }
 
+void Data_Global::SendLayoutOfImage() {
+  constexpr uint32_t kLayoutBytes = 0x1AE;
+  const auto bytes = SendParameterReg.snapshot<kLayoutBytes>(feature::kBusPage);
+  // What fails is logged below; the image stays, so a later block brings the FPGA in line.
+  DriverUtil::getInstance()->WriteFPGABusBlock(feature::kBusPage, bytes.data(), bytes.size());
+}
+
 void Data_Global::PortWidthUpdate(uint8_t port, uint16_t value) {
   if (port < kPortPlaces.size()) SendParameterReg.setU16(kPortPlaces[port].width, value);
 }

@@ -4,6 +4,7 @@
 #include <memory>
 #include <new>
 
+#include "mcucstdout.h"
 #include "mcuctrace.h"
 #include "stub/stubutil.h"
 
@@ -67,8 +68,10 @@ JSHL_Type_e Command(const SpaceNames& names, State* state, QMB_proto3rd* msg) {
 
 JSHL_Type_e Print(const SpaceNames& names, const State& state) {
   for (const auto& [key, entry] : state.m_mapProtoOffsetShl) {
-    std::printf("register base=0x%08X offset=0x%08X :%s\n", names.base(), entry.cmd->RegisterAddr,
-                entry.cmd->cmd_exp);
+    char line[160];
+    std::snprintf(line, sizeof(line), "register base=0x%08X offset=0x%08X :%s\n", names.base(),
+                  entry.cmd->RegisterAddr, entry.cmd->cmd_exp);
+    SayOnStandardOutput(line);
   }
   return JSHL_OK;
 }

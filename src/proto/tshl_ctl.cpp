@@ -1,8 +1,12 @@
 #include "proto/tshl_ctl.h"
 
 #include "mcuctrace.h"
+#include "proto/addr_cabinetrotationregister.h"
+#include "proto/addr_coordinatescanboardregister.h"
 #include "proto/addr_featureregister.h"
+#include "proto/addr_numberfuncardportregister.h"
 #include "proto/addr_plugincardinforegister.h"
+#include "proto/addr_shortcutconfigscreenregister.h"
 #include "proto/addr_testprinfregister.h"
 
 namespace ZEPH_MCUC {
@@ -24,6 +28,10 @@ constexpr TopEntry Entry() {
 constexpr TopEntry kEntries[] = {
     Entry<Addr_PluginCardInfoRegister, kPluginCardInfoSpace>(),
     Entry<Addr_FeatureRegister, kFeatureSpace>(),
+    Entry<Addr_CabinetRotationRegister, kCabinetRotationSpace>(),
+    Entry<Addr_ShortcutConfigScreenRegister, kShortcutConfigScreenSpace>(),
+    Entry<Addr_CoordinateScanBoardRegister, kCoordinateScanBoardSpace>(),
+    Entry<Addr_NumberFunCardPortRegister, kNumberFunCardPortSpace>(),
     Entry<Addr_TestPrinfRegister, kTestPrinfSpace>(),
 };
 

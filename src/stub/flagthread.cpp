@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include "mcuctrace.h"
+#include "process/tprocess.h"
 #include "process/tprocess_ctl.h"
 #include "proto/data_common.h"
 #include "stub/mcuqmbthread.h"
@@ -109,7 +110,7 @@ void McuQMBThread::CalculateSenderParaHandler() {
     return;
   }
   global.CalculateParaHandlerCnt = 0;
-  // The layout is calculated here.
+  Tprocess::CalculateParaOfSenderHandler();
 }
 
 }  // namespace ZEPH_MCUC

@@ -51,7 +51,8 @@ bool StubUtil::initialize() {
   wire(DaemonWiring());
   if (FPGA_UDP_Init() < 0) MCUC_LOG(kLogError, "=== udp_port_init === fail!!!!");
   mbus_init(TaskId(cardsel_bit_self(), task::kQuivord), 0);  // the platform says what went wrong
-  SetEnvQuivordVerToRootfs();                                // without a version the start goes on
+  Data_Global::getInstance()->RestoreFPGA();  // the image; the FPGA's turn comes once it has loaded
+  SetEnvQuivordVerToRootfs();                 // without a version the start goes on
   // The queue comes before reception: a request that arrives early finds it.
   const bool complete = creatProcess() && creatQMBComm();
   if (!complete) return false;
