@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "board/board.h"
+#include "board/cards.h"
 #include "board/cells.h"
 #include "board/faults.h"
 #include "board/files.h"
@@ -96,6 +97,7 @@ void Create(const Words& words) {
     throw Refusal(kFailed, "cannot write " + file.string());
   }
   board::CreateStores();
+  board::CreateCards();
   std::printf("A new board lies in %s\n", board::Folder().c_str());
 }
 

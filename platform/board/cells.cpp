@@ -107,20 +107,23 @@ void ForPlainCells(std::uint32_t first, std::uint32_t length, Move move) {
   if (first < end) move(first, end - first);
 }
 
-void SetBit(std::uint32_t cell, std::uint32_t bit, bool on) {
-  const auto shared = Shared<std::uint8_t>(Cells(1) + cell);
+void SetBit(std::byte* cell, std::uint32_t bit, bool on) {
+  const auto shared = Shared<std::uint8_t>(cell);
   const auto mask = static_cast<std::uint8_t>(1U << bit);
   on ? shared.fetch_or(mask) : shared.fetch_and(static_cast<std::uint8_t>(~mask));
 }
 
-// The bits of the link byte for ports `4 * group` up.
-std::uint8_t LinkBits(const Settings& settings, std::size_t group) {
-  unsigned bits = 0;
-  for (std::size_t i = 0; i < kPortsPerCell; ++i) {
-    const auto& devices = settings.devices[group * kPortsPerCell + i];
-    if (std::accumulate(devices.begin(), devices.end(), 0U) > 0) bits |= 1U << i;
+void SetLinkOf(std::byte* cells, std::uint32_t port, bool up) {
+  const std::uint32_t group = port / kPortsPerCell;
+  SetBit(cells + kPageLinkCells[group], port % kPortsPerCell, up);
+  SetBit(cells + kLinkWord + group, port % kPortsPerCell, up);
+}
+
+void SetLinksOf(std::byte* cells, const Settings& settings) {
+  for (std::uint32_t port = 0; port < kPorts; ++port) {
+    const auto& devices = settings.devices[port];
+    SetLinkOf(cells, port, std::accumulate(devices.begin(), devices.end(), 0U) > 0);
   }
-  return static_cast<std::uint8_t>(bits);
 }
 
 }  // namespace
@@ -128,13 +131,10 @@ std::uint8_t LinkBits(const Settings& settings, std::size_t group) {
 void CreateCells(const std::filesystem::path& folder, const Settings& settings) {
   CreateSized(CellFile(folder, 0), kCellCount);
   if (!CreateSized(CellFile(folder, 1), kCellCount)) return;
-  std::byte* const cells = MapShared(CellFile(folder, 1), kCellCount);
-  for (std::size_t group = 0; group < kPageLinkCells.size(); ++group) {
-    const auto bits = static_cast<std::byte>(LinkBits(settings, group));
-    cells[kPageLinkCells[group]] = bits;
-    cells[kLinkWord + group] = bits;
-  }
+  SetLinksOf(MapShared(CellFile(folder, 1), kCellCount), settings);
 }
+
+void SetLinks(const Settings& settings) { SetLinksOf(Cells(1), settings); }
 
 void LoadCells(int index, std::uint32_t address, std::uint32_t length, void* data) {
   auto* const bytes = static_cast<std::byte*>(data);
@@ -174,17 +174,12 @@ void ClearCells(int index) {
   }
 }
 
-void SetLink(int port, bool up) {
-  const auto group = static_cast<std::uint32_t>(port) / kPortsPerCell;
-  const auto bit = static_cast<std::uint32_t>(port) % kPortsPerCell;
-  SetBit(kPageLinkCells[group], bit, up);
-  SetBit(kLinkWord + group, bit, up);
-}
+void SetLink(int port, bool up) { SetLinkOf(Cells(1), static_cast<std::uint32_t>(port), up); }
 
 void SetFiberLink(int fiber, int port, bool up) {
   const auto bit = static_cast<std::uint32_t>(port);
   for (const std::uint32_t map : kFiberMaps) {
-    SetBit(map + 2 * (static_cast<std::uint32_t>(fiber) - 1) + bit / 8, bit % 8, up);
+    SetBit(Cells(1) + map + 2 * (static_cast<std::uint32_t>(fiber) - 1) + bit / 8, bit % 8, up);
   }
 }
 

@@ -31,6 +31,9 @@ void StoreBusCells(int index, std::uint32_t address, std::uint32_t length, const
 // All cells 0 but for the status cells, as after a power-up.
 void ClearCells(int index);
 
+// Sets the copper links of all ports as they are in a new memory.
+void SetLinks(const Settings& settings);
+
 // Sets or clears a link of output port `port` (0 to 15) in all its places of FPGA 1: the copper
 // link, and the link below fiber 1 or 2.
 void SetLink(int port, bool up);

@@ -6,6 +6,7 @@
 
 #include "board/board.h"
 #include "board/cells.h"
+#include "board/packets.h"
 
 namespace board {
 namespace {
@@ -64,8 +65,13 @@ std::int32_t Read(int index, std::uint32_t address, std::uint32_t length, void* 
 
 int32_t WriteFPGABlock(uint8_t index, uint32_t address, uint32_t length, const uint8_t* data) {
   length &= 0xFFFF;
-  return board::Perform({'W', index, address, length}, board::Fault::kFpgaWrite, data,
-                        [&] { board::StoreBusCells(index, address, length, data); });
+  const auto result = board::Perform({'W', index, address, length}, board::Fault::kFpgaWrite, data,
+                                     [&] { board::StoreBusCells(index, address, length, data); });
+  const std::uint32_t cell = address % board::kCellCount;
+  if (result == 0 && index == 1 && board::MaySend(cell, length)) {
+    board::FollowWrite(cell, {data, length});
+  }
+  return result;
 }
 
 int32_t ReadFPGABlock(uint8_t index, uint32_t address, uint32_t length, uint8_t* data) {

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "board/board.h"
+#include "board/cards.h"
 #include "board/command.h"
 #include "board/files.h"
 #include "board/stores.h"
@@ -153,7 +154,10 @@ std::FILE* StartPiped(const Command& command) {
 
 namespace platform {
 
-void Initialize() { board::CreateStores(); }
+void Initialize() {
+  board::CreateStores();
+  board::CreateCards();
+}
 
 std::string DevicePath(std::string_view path) { return board::InFolder(path, board::Folder()); }
 
