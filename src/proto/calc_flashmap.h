@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <span>
+#include <string_view>
 
 namespace ZEPH_MCUC {
 
@@ -78,11 +79,15 @@ struct FlashRegion {
   uint32_t address;
   uint32_t length;
   FlashOwner owner;
+  std::string_view name;  // for the client
   const char* content;
 };
 
 // All regions, by address; none overlaps another.
 std::span<const FlashRegion> FlashRegions();
+
+// The region of that name, or null.
+const FlashRegion* FindFlashRegion(std::string_view name);
 
 // Whether a write of `length` bytes at `address` by `owner` stays inside the store and touches no
 // byte that belongs to another owner. Bytes that no region names are anybody's.
