@@ -225,7 +225,9 @@ TEST(StatusProbe, TakesTheFirstLineOfACommand) {
     char text[80] = "before";
     EXPECT_EQ(DriverUtil::run_command_return_string(c.command, text, sizeof text), c.result);
     EXPECT_STREQ(text, c.text);
-    if (c.status != 0x7FFFFFFF) EXPECT_EQ(driver.ReadFpgaStatus(c.command), c.status);
+    if (c.status != 0x7FFFFFFF) {
+      EXPECT_EQ(driver.ReadFpgaStatus(c.command), c.status);
+    }
   }
   char little[4];
   EXPECT_EQ(DriverUtil::run_command_return_string("printf 123456", little, sizeof little), 0);
