@@ -20,7 +20,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr int kCutStatus = 75;  // the daemon's own, after a simulated power cut
 constexpr int kBySignal = 128;
 constexpr int kNotStarted = 127;
 
