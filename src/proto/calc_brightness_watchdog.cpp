@@ -5,8 +5,6 @@
 namespace ZEPH_MCUC::brightness {
 namespace {
 
-constexpr uint8_t kMostLimit_s = 253;
-
 WatchStep StepForCards(bool alive, uint8_t silent, uint8_t limit) {
   const bool lost = silent > limit;
   if (alive) return {0, lost ? WatchAction::kShowScreen : WatchAction::kNone};
@@ -28,7 +26,7 @@ WatchStep StepForMix(bool alive, uint8_t silent, uint8_t limit) {
 }  // namespace
 
 WatchStep StepWatch(Watch watch, bool alive, uint8_t silent_s, uint8_t limit_s) {
-  const uint8_t limit = std::min(limit_s, kMostLimit_s);
+  const uint8_t limit = std::min(limit_s, kMostSilence_s);
   switch (watch) {
     case Watch::kCards:
       return StepForCards(alive, silent_s, limit);

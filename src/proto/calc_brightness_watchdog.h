@@ -21,14 +21,16 @@ enum class WatchAction : uint8_t {
   kStartMixAtBoot,  // no limit is stored: the mix starts without waiting
 };
 
+// The longest silence that the count can pass; a longer limit counts as this.
+inline constexpr uint8_t kMostSilence_s = 253;
+
 struct WatchStep {
   uint8_t silent_s;  // seconds of silence, to be kept
   WatchAction action;
 };
 
 // One second: `alive` tells whether the device was heard since the last one, `silent_s` what the
-// last step gave, `limit_s` how much silence is borne. A limit above 253 counts as 253, so that the
-// count can pass it.
+// last step gave, `limit_s` how much silence is borne.
 WatchStep StepWatch(Watch watch, bool alive, uint8_t silent_s, uint8_t limit_s);
 
 }  // namespace ZEPH_MCUC::brightness
