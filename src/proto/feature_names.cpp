@@ -135,7 +135,7 @@ constexpr Register kDevice[] = {
          "refused in bypass unless genlock and 3D are off; passed on to the service daemon"),
     Byte("service-note", kMirrored, "a byte for the service daemon",
          "passed on to the service daemon"),
-    Byte("correction byte", kCorrection, "correction byte", "passed on to the service daemon"),
+    Byte("correction", kCorrection, "correction byte", "passed on to the service daemon"),
     Chosen("high-speed", kHighSpeed, kSpeeds, "high-speed correction",
            "shortens the pause between packets of corrections"),
     Byte("edid-flag", kEdidFlag, "EDID flag"),
