@@ -47,6 +47,10 @@ inline constexpr uint32_t kScreenChanges = 0xD17000;
 inline constexpr uint32_t kCardFiles = 0xE00000;
 }  // namespace flash
 
+// Where a register of a space that is a store lies in flash.
+constexpr uint32_t BackupFlash(uint32_t reg) { return reg - 0x01768000; }
+constexpr uint32_t SoftwareFlash(uint32_t reg) { return reg - 0x043D0000; }
+
 // Who a region belongs to.
 enum class FlashOwner : uint8_t {
   kBasicInfo,
