@@ -4,10 +4,8 @@ namespace ctl {
 
 std::span<const Command* const> Commands() {
   static constexpr const Command* kCommands[] = {
-      &kReadCommand,
-      &kWriteCommand,
-      &kMonitorCommand,
-      &kPingCommand,
+      &kReadCommand,   &kWriteCommand, &kMonitorCommand, &kPingCommand,  &kStatusCommand,
+      &kOutputCommand, &kTimeCommand,  &kFeatureCommand, &kStoreCommand,
   };
   return kCommands;
 }
