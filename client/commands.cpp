@@ -4,10 +4,7 @@ namespace ctl {
 
 std::span<const Command* const> Commands() {
   static constexpr const Command* kCommands[] = {
-      &kReadCommand,
-      &kWriteCommand,
-      &kMonitorCommand,
-      &kPingCommand,
+      &kReadCommand, &kWriteCommand, &kMonitorCommand, &kPingCommand, &kWallCommand,
   };
   return kCommands;
 }

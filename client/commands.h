@@ -12,6 +12,7 @@ extern const Command kReadCommand;
 extern const Command kWriteCommand;
 extern const Command kMonitorCommand;
 extern const Command kPingCommand;
+extern const Command kWallCommand;
 
 // In the order in which help lists them.
 std::span<const Command* const> Commands();
