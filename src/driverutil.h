@@ -6,6 +6,7 @@
 // are logged and never stop the daemon.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -123,6 +124,8 @@ class DriverUtil {
   // A field of the local time: 0 year since 2000, 1 month, 2 day, 3 hour, 4 minute, 5 second,
   // 6 weekday from 1 for Sunday; 0 for any other index.
   uint8_t ReadTime(uint8_t index);
+  // All of them, of one moment, in the order of their indexes.
+  std::array<uint8_t, 7> ReadTimes();
   // Set fields of the clock and leave the others. `year` counts from 2000, `month` from 1. A clock
   // that may not be set stays; nothing tells the caller. `WriteWeekday` changes nothing.
   void WriteTime(uint8_t hours, uint8_t minutes, uint8_t seconds);

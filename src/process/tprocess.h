@@ -16,6 +16,8 @@ class Tprocess : public Singleton<Tprocess> {
   static int Sprocess_ReloadSendCardProgram(int lenth, char* data);
   // tprocess_feature.cpp
   static int Sprocess_DoFeatureInfo(int lenth, char* data);
+  // tprocess_brightness.cpp
+  static int Sprocess_doAdjustBrightness(int lenth, char* data);
   // tprocess_layout.cpp
   static int Sprocess_CalculateParaOfSender(int lenth, char* data);
   static int Sprocess_AdvCalcParaOfSender(int lenth, char* data);

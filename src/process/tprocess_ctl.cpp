@@ -37,7 +37,7 @@ constexpr Handler kHandlers[] = {
     {DoEDIDSpaceKey, nullptr},
     {ActiveReportingKey, Tprocess::Sprocess_ActiveReporting},
     {SenderRGBGammaKey, nullptr},
-    {doAdjustBrightnessKey, nullptr},
+    {doAdjustBrightnessKey, Tprocess::Sprocess_doAdjustBrightness},
     {SendCardMappingKey, Tprocess::Sprocess_doMappingForSender},
     {RVConfigFileSpaceKey, Tprocess::Sprocess_RVConfigFileSpace},
     {ScreenPatternGenKey, nullptr},

@@ -7,7 +7,9 @@
 #include "proto/addr_cmdregister.h"
 #include "proto/addr_coordinatescanboardregister.h"
 #include "proto/addr_featureregister.h"
+#include "proto/addr_hardwarebrightnessadjust.h"
 #include "proto/addr_hwbasicinforegister.h"
+#include "proto/addr_intelligentbrightnessregister.h"
 #include "proto/addr_numberfuncardportregister.h"
 #include "proto/addr_plugincardinforegister.h"
 #include "proto/addr_rvconfigfilespace.h"
@@ -39,11 +41,13 @@ constexpr TopEntry kEntries[] = {
     Entry<Addr_FeatureRegister, kFeatureSpace>(),
     Entry<Addr_ScreenInfoEchoRegister, kScreenInfoEchoSpace>(),
     Entry<Addr_BackupInfoRegister, kBackupInfoSpace>(),
+    Entry<Addr_IntelligentBrightnessRegister, kIntelligentBrightnessSpace>(),
     Entry<Addr_CabinetRotationRegister, kCabinetRotationSpace>(),
     Entry<Addr_ShortcutConfigScreenRegister, kShortcutConfigScreenSpace>(),
     Entry<Addr_CoordinateScanBoardRegister, kCoordinateScanBoardSpace>(),
     Entry<Addr_NumberFunCardPortRegister, kNumberFunCardPortSpace>(),
     Entry<Addr_SoftwareTableRegister, kSoftwareTableSpace>(),
+    Entry<Addr_HardWareBrightnessAdjust, kBrightnessSpace>(),
     Entry<Addr_TestPrinfRegister, kTestPrinfSpace>(),
     Entry<Addr_RVConfigFileSpace, kRVConfigFileSpace>(),
     Entry<Addr_CardProgmaSpaceRegister, kCardProgmaSpace>(),
