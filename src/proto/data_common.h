@@ -165,6 +165,41 @@ class Data_Global : public Singleton<Data_Global> {
   // Flash into the arrays and, once the FPGA is online, the arrays into the FPGA.
   void RestoreFPGA();
 
+  // --- Identity (data_identity.cpp)
+  // ---------------------------------------------------------------
+
+  // At start: makes flash and environment store agree on the serial number.
+  void SNTransfer();
+  // At a read, on the bus receive thread: the same check; `read_sn` takes the 8 bytes that the
+  // environment holds, and keeps what it has where the environment holds none.
+  void GetEnvSNPara(uint8_t* read_sn);
+  // `read_id` takes the 2 bytes of the model, low byte first, where the environment names one.
+  void GetEnvModelIDPara(uint8_t* read_id);
+  // Hexadecimal text to (length + 1) / 2 bytes; 0.
+  int ASCII2Hex(const uint8_t* code_char, int length, uint8_t* code_int);
+  // At start: reads the basic area and renews its fixed bytes.
+  void ReadHardwareInfo();
+
+  // --- Configuration files of the cards (data_cardfiles.cpp); work thread
+  // -------------------------- Each sends the packs of one file to all cards, with the pauses that
+  // belong to it, and ends at the first pack that is too long.
+
+  // A numbered file on disk. 0.
+  int32_t LoadRvCfgToRecvCard(uint32_t load_index);
+  // A file of the image in flash. 0.
+  int32_t LoadRvCfgFromFlash(uint8_t number);
+  // A package file at device path `buff`, which has a form of its own. 0, or -1 where a package is
+  // too long, doesn't move on, or can't be read.
+  int LoadRecvCardFile(const char* buff);
+
+  // --- Factory reset (data_factory.cpp); flag thread
+  // ----------------------------------------------
+
+  // Prepares the store that the device has after its next reboot; `type` says what is kept. 0.
+  int ReturnFactory(uint8_t type);
+  // Sets the default static address. 0, or the failure of the last step.
+  int SetIPVersion();
+
   // --- Feature writes (data_feature.cpp); work thread -------------------------------------------
 
   // Everything that a write of `len` bytes at the feature register `addr` sets off.

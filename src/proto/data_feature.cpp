@@ -9,6 +9,7 @@
 #include "driverutil.h"
 #include "mcuctrace.h"
 #include "process/basicpublicfunc.h"
+#include "proto/addr_hardwarebrightnessadjust.h"
 #include "proto/calc_feature.h"
 #include "proto/calc_flashmap.h"
 #include "proto/data_common.h"
@@ -89,6 +90,18 @@ Then ReportAfresh(FeatureWrite& write) {
   if (write.address == kBase + feature::kReportAfresh) {
     write.global.OptToNetEnableOnce = true;
   }
+  return Then::kGoOn;
+}
+
+// The brightness plans watch the serial link: its limit, and that it was heard.
+Then InformBrightness(FeatureWrite& write) {
+  using Brightness = Addr_HardWareBrightnessAdjust;
+  const uint8_t limit_s = write.reg[feature::kUartOvertime];
+  if (limit_s != 0 && limit_s != Brightness::UartDiscOvertime) {
+    Brightness::UartDiscOvertime = limit_s;
+    Brightness::SaveBrightnessPara();
+  }
+  if (write.IsByteAt(feature::kUartOvertime)) Brightness::DevComLinkState = 1;
   return Then::kGoOn;
 }
 
@@ -250,24 +263,12 @@ Then Sync(FeatureWrite& write) {
 }
 
 constexpr Step kSteps[] = {
-    StoreInImage,
-    RefuseLowDelayInBypass,
-    MirrorToService,
-    WriteToBus,
-    SetPowerOnTime,
-    MirrorCorrection,
-    ChangeBypass,
-    ReportAfresh,
-    // The brightness module takes its share of the UART overtime here.
-    ActOnOne,
-    ClearScreenSize,
-    SetScreenSize,
-    SetHighSpeed,
-    StoreOptPortMode,
-    Store4K,
-    StoreImage,
-    FinishBypassSwitch,
-    Sync,
+    StoreInImage, RefuseLowDelayInBypass, MirrorToService,
+    WriteToBus,   SetPowerOnTime,         MirrorCorrection,
+    ChangeBypass, ReportAfresh,           InformBrightness,
+    ActOnOne,     ClearScreenSize,        SetScreenSize,
+    SetHighSpeed, StoreOptPortMode,       Store4K,
+    StoreImage,   FinishBypassSwitch,     Sync,
 };
 
 }  // namespace
