@@ -48,6 +48,8 @@ void Begin(const std::string& traced, const std::string& configuration) {
   setenv("TZ", "UTC", 1);
   board_kit::Configure("speed = 2000\ntrace = " + traced + "\n" + configuration);
   inprocess::Start();
+  static const bool joined = mbus_init(TaskId(cardsel_bit_self(), task::kQuivord), 0) == 0;
+  static_cast<void>(joined);
 }
 
 std::string Hex(std::span<const std::uint8_t> bytes) {
@@ -96,8 +98,6 @@ void WriteFeature(std::uint32_t offset, const char* hex) {
   inprocess::Write(0x02000000 + offset, inprocess::Bytes(hex));
   inprocess::DrainQueue();
 }
-
-void JoinBus() { mbus_init(TaskId(cardsel_bit_self(), task::kQuivord), 0); }
 
 support::RawPeer ConnectOwd() {
   const std::uint32_t owd = TaskId(cardsel_bit_self(), task::kOwd);

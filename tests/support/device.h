@@ -11,8 +11,8 @@
 
 namespace device {
 
-// Sets the board up fast and with these kinds traced, and joins the daemon without threads. First
-// thing in a test; more lines of board.conf may follow.
+// Sets the board up fast and with these kinds traced, and joins the daemon without threads but with
+// its bus, so that reports are sent. First thing in a test; more lines of board.conf may follow.
 void Begin(const std::string& traced, const std::string& configuration = "");
 
 // Bytes as hexadecimal text.
@@ -35,9 +35,7 @@ void Restore(bool online);
 // A write to feature register 0x02000000 + `offset`, served and carried out.
 void WriteFeature(std::uint32_t offset, const char* hex);
 
-// Opens the bus, so that reports are sent and traced.
-void JoinBus();
-// The service daemon as a peer; joined when this returns. Needs the bus.
+// The service daemon as a peer; joined when this returns.
 support::RawPeer ConnectOwd();
 
 inline ZEPH_MCUC::Data_Global& Global() { return *ZEPH_MCUC::Data_Global::getInstance(); }

@@ -37,27 +37,20 @@ std::string Access(const std::string& start, const Words& words, std::size_t at)
   return done ? line : line + " fail";
 }
 
+// Whom a report goes to; empty for other peers, who get replies alone.
 std::string Receiver(const std::string& id) {
-  switch (std::stoul(id, nullptr, 16) & 0xFFFFFF) {
-    case ZEPH_MCUC::task::kOwd:
-      return "owd";
-    case ZEPH_MCUC::task::kKye:
-      return "kye";
-    default:
-      return id;
-  }
+  const auto task = std::stoul(id, nullptr, 16) & 0xFFFFFF;
+  if (task == ZEPH_MCUC::task::kOwd) return "owd";
+  return task == ZEPH_MCUC::task::kKye ? "kye" : "";
 }
 
 std::string Report(const Words& words) {
-  const auto bytes = inprocess::Bytes(words[4].c_str());
-  const auto head = ZEPH_MCUC::ReadFrameHead(bytes);
-  if (!head.has_value()) return "no frame";
-  std::ostringstream line;
-  line << Receiver(words[2]) << " 0x" << std::hex;
-  line.width(8);
-  line.fill('0');
-  line << head->registerAddress << " " << words[4].substr(36, 2 * head->dataLength);
-  return line.str();
+  const auto head = ZEPH_MCUC::ReadFrameHead(inprocess::Bytes(words[4].c_str()));
+  const std::string receiver = Receiver(words[2]);
+  if (!head.has_value() || head->code != ZEPH_MCUC::JSHL_PROTOREAD || receiver.empty()) return "";
+  char address[16];
+  std::snprintf(address, sizeof address, " 0x%08x ", head->registerAddress);
+  return receiver + address + words[4].substr(36, 2 * std::size_t{head->dataLength});
 }
 
 std::string Compact(const std::string& line) {
@@ -79,7 +72,10 @@ Trace::Trace() : seen_(board_kit::TraceLines().size()) {}
 std::string Trace::Take() {
   const auto lines = board_kit::TraceLines();
   std::string text;
-  for (; seen_ < lines.size(); ++seen_) text.append(Compact(lines[seen_])).append("\n");
+  for (; seen_ < lines.size(); ++seen_) {
+    const std::string line = Compact(lines[seen_]);
+    if (!line.empty()) text.append(line).append("\n");
+  }
   return text;
 }
 

@@ -5,7 +5,7 @@
 //   fpga R 0x1f6 x6            a read
 //   flash W 0xa60010 01        the live store; the others by their names: flash W tmp 0x1000 00
 //   shell sync                 a command that succeeded; another with its status: shell 1 ...
-//   owd 0x020001d7 01          a report, by its receiver
+//   owd 0x020001d7 01          a report, by its receiver; replies to requests are left out
 //   fpga W 0x28 x4 fail        an access that failed
 //
 // Other kinds stand as in the trace.

@@ -80,9 +80,9 @@ TEST(Clock, WhatIsNoTimeIsLoggedAndNotSet) {
       "240101240000", "240101006000", "240101000060",                  // no time of day
   };
   device::Begin("clock shell");
+  SetBoardClock(kSunday);
   device::Log log(0);
   device::PutImage(0x1EC, "80008000");
-  SetBoardClock(kSunday);
   support::Trace trace;
   for (const char* bytes : kCases) {
     device::WriteFeature(0x11, bytes);

@@ -5,6 +5,7 @@
 
 #include "board/faults.h"
 #include "process/tprocess_ctl.h"
+#include "proto/addr_hardwarebrightnessadjust.h"
 #include "support/board_kit.h"
 #include "support/device.h"
 #include "support/inprocess.h"
@@ -52,16 +53,14 @@ struct Effect {
 
 void Check(const std::vector<Effect>& effects) {
   device::Begin("fpga flash shell bus info");
-  device::JoinBus();
+  Addr_HardWareBrightnessAdjust::UartDiscOvertime = 9;
   support::Trace trace;
   for (const Effect& effect : effects) {
     SCOPED_TRACE(effect.name);
     ResetImage();
     for (const Put& put : effect.before) device::PutImage(put.offset, put.hex);
     device::WriteFeature(effect.write.offset, effect.write.hex);
-    const std::string lines = trace.Take();
-    // The reply is a message as well; it names the peer that asked.
-    EXPECT_EQ(lines.substr(lines.find("0x007e0002") == 0 ? lines.find('\n') + 1 : 0), effect.trace);
+    EXPECT_EQ(trace.Take(), effect.trace);
     for (const Put& put : effect.after) {
       EXPECT_EQ(Image(put.offset, std::strlen(put.hex) / 2), put.hex) << std::hex << put.offset;
     }
@@ -250,7 +249,6 @@ TEST(FeatureWrite, LowDelayInBypassNeedsGenlockAnd3DOff) {
   };
   const std::string asked = "flash R 0x202a x1\nflash R 0x2400 x1\n";
   device::Begin("fpga flash bus");
-  device::JoinBus();
   for (const Case& c : {Case{"00", "28", true}, {"00", "00", false}, {"01", "28", false}}) {
     ResetImage();
     device::PutImage(0x1F8, "01");
@@ -286,6 +284,30 @@ TEST(FeatureWrite, SetsFlags) {
   }
 }
 
+TEST(FeatureWrite, UartOvertimeReachesTheBrightnessPlans) {
+  using Brightness = Addr_HardWareBrightnessAdjust;
+  struct Case {
+    Put write;
+    int overtime_s;
+    bool stores, heard;
+  };
+  device::Begin("flash");
+  device::PutImage(0x1EC, "80008000");
+  support::Trace trace;
+  Brightness::UartDiscOvertime = 0x28;
+  for (const Case& c : {Case{{0x3F, "07"}, 7, true, true},
+                        {{0x45, "00"}, 7, false, false},
+                        {{0x3F, "07"}, 7, false, true},
+                        {{0x3F, "00"}, 7, false, true},
+                        {{0x3E, "0008"}, 8, true, false}}) {
+    Brightness::DevComLinkState = 0;
+    device::WriteFeature(c.write.offset, c.write.hex);
+    EXPECT_EQ(Brightness::UartDiscOvertime, c.overtime_s) << c.write.hex;
+    EXPECT_EQ(support::Count(trace.Take(), "flash W 0xb8b000") > 0, c.stores) << c.write.hex;
+    EXPECT_EQ(Brightness::DevComLinkState, c.heard ? 1 : 0) << c.write.hex;
+  }
+}
+
 TEST(FeatureWrite, OffsetsInBypassArePassedOnUnlessTheServiceDaemonSetThem) {
   struct Case {
     std::uint32_t sender;
@@ -293,6 +315,7 @@ TEST(FeatureWrite, OffsetsInBypassArePassedOnUnlessTheServiceDaemonSetThem) {
     const char* mode;
     const char* passedOn;
   };
+  device::Begin("bus");
   const std::uint32_t owd = TaskId(cardsel_bit_self(), task::kOwd);
   const std::uint32_t kye = TaskId(cardsel_bit_self(), task::kKye);
   const Case cases[] = {
@@ -305,8 +328,6 @@ TEST(FeatureWrite, OffsetsInBypassArePassedOnUnlessTheServiceDaemonSetThem) {
       {kye, {0x2A, "00010000"}, "01", ""},
       {kye, {0x29, "0001"}, "01", ""},
   };
-  device::Begin("bus");
-  device::JoinBus();
   for (const Case& c : cases) {
     ResetImage();
     device::PutImage(0x28, "05000a00");
@@ -315,9 +336,7 @@ TEST(FeatureWrite, OffsetsInBypassArePassedOnUnlessTheServiceDaemonSetThem) {
     request.ipcHeader.uiid = c.sender;
     support::Trace trace;
     inprocess::Serve(request);
-    const std::string lines = trace.Take();  // the reply stands last
-    EXPECT_EQ(lines.substr(0, lines.rfind('\n', lines.size() - 2) + 1), c.passedOn)
-        << c.write.hex << " " << c.mode;
+    EXPECT_EQ(trace.Take(), c.passedOn) << c.write.hex << " " << c.mode;
     inprocess::DrainQueue();
   }
 }
@@ -425,6 +444,7 @@ TEST(FeatureRead, EndsInDataOrIsRefused) {
   device::Begin("none");
   ResetImage();
   device::PutImage(0x4B, "77");
+  device::PutFpga(0x4B, "77");
   for (const Case& c : kCases) {
     const auto reply = inprocess::Read(c.address, c.length);
     EXPECT_EQ(reply.m_ucAck, c.ack) << std::hex << c.address << " " << c.length;

@@ -43,19 +43,19 @@ constexpr char kNoCards[] = "port.0.cards = 0\nport.0.multi = 0\nport.1.cards = 
 
 TEST(Loop, PollsInThisOrder) {
   device::Begin("fpga flash bus card", kNoCards);
-  device::JoinBus();
   support::Trace trace;
+  Pass(trace);  // the first one reads the brightness plans as well
   EXPECT_EQ(Pass(trace), kQuietPass);
 }
 
 TEST(Loop, FactoryResetStopsAllPolling) {
-  constexpr char kReboot[] = "shell fpga w s 0x1eb 0x0\nshell reboot -f\n";
+  // The stand-in ends whoever holds the board, which is nobody here, and has a line of its own.
+  constexpr char kReboot[] = "shell fpga w s 0x1eb 0x0\nshell reboot -f\nshell reboot -f\n";
   device::Begin("fpga bus shell", kNoCards);
   for (const auto& [state, expected] :
        {std::pair{EN_REBOOT_WAIT_RET_PACK, ""}, {EN_REBOOT_ING, kReboot}}) {
     Global().RebootRF = state;
     support::Trace trace;
-    // The stand-in ends whoever holds the board: nobody, here.
     EXPECT_EQ(Pass(trace), expected);
   }
 }
@@ -82,7 +82,6 @@ owd 0x020001e1 01
 owd 0x020001da 02
 )";
   device::Begin("bus", kNoCards);
-  device::JoinBus();
   device::PutFpga(0x1E, "05");
   device::PutFpga(0x1F, "01");
   device::PutFpga(0x98, "80");
@@ -144,7 +143,6 @@ TEST(Loop, CardSizeIsAskedForSomePassesAfterALinkChanged) {
       {"no service daemon", false, 1, 0, 0, 0, 9, false},
   };
   device::Begin("card bus");
-  device::JoinBus();
   for (const Case& c : kCases) {
     SCOPED_TRACE(c.name);
     Global().mbus_connect_status = c.connected;

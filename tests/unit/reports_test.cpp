@@ -17,7 +17,7 @@ using device::Global;
 using Step = void (*)();
 
 template <void (Tprocess_ctl::*Operation)()>
-void Run() {
+void Detect() {
   (Tprocess_ctl::getInstance()->*Operation)();
 }
 
@@ -38,33 +38,33 @@ constexpr char kLinks[] = "fpga R 0x1f x1\nfpga R 0x9f x1\nfpga R 0x126 x1\nfpga
 const Status kStatus[] = {
     {"roles", [] { Global().SendRedundStatustoOWD(); }, 0x98, "00800000", kRoles,
      "owd 0x02000018 00000000\nowd 0x02000098 00800000\nowd 0x02000100 00000000\n"},
-    {"links", Run<&Tprocess_ctl::SendNetLinktoOWD>, 0x126, "0305", kLinks,
+    {"links", Detect<&Tprocess_ctl::SendNetLinktoOWD>, 0x126, "0305", kLinks,
      "fpga R 0x1f x1\nowd 0x0200001f 00\nfpga R 0x9f x1\nowd 0x0200009f 00\n"
      "fpga R 0x126 x2\nowd 0x02000126 0305\n",
      1},
-    {"fiber", Run<&Tprocess_ctl::SendFiberLinktoOWD>, 0x1D7, "a1", "fpga R 0x1d7 x1\n",
+    {"fiber", Detect<&Tprocess_ctl::SendFiberLinktoOWD>, 0x1D7, "a1", "fpga R 0x1d7 x1\n",
      "fpga R 0x1d7 x1\nowd 0x020001d7 a1\n"},
-    {"genlock", Run<&Tprocess_ctl::SendGenLockLinktoOWD>, 0x1D7, "a2", "fpga R 0x1d7 x1\n",
+    {"genlock", Detect<&Tprocess_ctl::SendGenLockLinktoOWD>, 0x1D7, "a2", "fpga R 0x1d7 x1\n",
      "fpga R 0x1d7 x1\nowd 0x020001d7 a2\n"},
-    {"links below fiber 1", Run<&Tprocess_ctl::SendFiberBelowLinkStatustoOWD>, 0x1F2, "0100",
+    {"links below fiber 1", Detect<&Tprocess_ctl::SendFiberBelowLinkStatustoOWD>, 0x1F2, "0100",
      "fpga R 0x1f2 x4\n", "owd 0x020001f2 01\nowd 0x020001f3 00\n", 1},
-    {"links below fiber 2", Run<&Tprocess_ctl::SendFiberBelowLinkStatustoOWD>, 0x1F4, "0080",
+    {"links below fiber 2", Detect<&Tprocess_ctl::SendFiberBelowLinkStatustoOWD>, 0x1F4, "0080",
      "fpga R 0x1f2 x4\n", "owd 0x020001f4 00\nowd 0x020001f5 80\n", 1},
-    {"fiber redundancy", Run<&Tprocess_ctl::SendFiberRedundtoOWD>, 0x1DA, "01", "fpga R 0x1da x1\n",
-     "owd 0x020001da 01\n"},
-    {"fiber copy", Run<&Tprocess_ctl::SendFiberCopyStatustoOWD>, 0x1DA, "01", "fpga R 0x1da x1\n",
-     "owd 0x020001da 01\n"},
-    {"fiber to net", Run<&Tprocess_ctl::SendFiberToNetStatustoOWD>, 0x1E0, "0001",
+    {"fiber redundancy", Detect<&Tprocess_ctl::SendFiberRedundtoOWD>, 0x1DA, "01",
+     "fpga R 0x1da x1\n", "owd 0x020001da 01\n"},
+    {"fiber copy", Detect<&Tprocess_ctl::SendFiberCopyStatustoOWD>, 0x1DA, "01",
+     "fpga R 0x1da x1\n", "owd 0x020001da 01\n"},
+    {"fiber to net", Detect<&Tprocess_ctl::SendFiberToNetStatustoOWD>, 0x1E0, "0001",
      "fpga R 0x1e0 x2\n", "owd 0x020001e0 00\nowd 0x020001e1 01\n"},
 };
 
 TEST(Reports, EachChangeGoesOutOnce) {
   device::Begin("fpga bus", "port.0.cards = 0\nport.0.multi = 0\nport.1.cards = 0\n");
-  device::JoinBus();
   support::Trace trace;
   for (const Status& status : kStatus) {
     SCOPED_TRACE(status.name);
     if (status.address != 0x1D7) {  // the two of one cache follow each other
+      device::PutFpga(status.address, "00");
       status.detect();
       EXPECT_EQ(trace.Take(), status.reads) << "0 is what a peer assumes";
     }
@@ -89,7 +89,6 @@ TEST(Reports, RedundancyAndPortGroups) {
       "owd 0x020001fa 00\nowd 0x020001fb 00\n";
   const std::string groups = "fpga R 0x1f6 x6\n";
   device::Begin("fpga bus");
-  device::JoinBus();
   support::Trace trace;
   const auto detect = [&] {
     Tprocess_ctl::getInstance()->SendRedundtoOWD();
@@ -106,17 +105,16 @@ TEST(Reports, RedundancyAndPortGroups) {
 // What the cache holds counts, not what a peer got.
 TEST(Reports, LostReportIsNotRepeatedAndAFailedReadCountsAsZero) {
   device::Begin("bus");
-  device::JoinBus();
   device::PutFpga(0x1E0, "0001");
   SetFaultCount(Fault::kBusSend, -1);
   support::Trace trace;
-  Run<&Tprocess_ctl::SendFiberToNetStatustoOWD>();
+  Detect<&Tprocess_ctl::SendFiberToNetStatustoOWD>();
   SetFaultCount(Fault::kBusSend, 0);
   trace.Take();
-  Run<&Tprocess_ctl::SendFiberToNetStatustoOWD>();
+  Detect<&Tprocess_ctl::SendFiberToNetStatustoOWD>();
   EXPECT_EQ(trace.Take(), "");
   SetFaultCount(Fault::kFpgaRead, 3);
-  Run<&Tprocess_ctl::SendFiberToNetStatustoOWD>();
+  Detect<&Tprocess_ctl::SendFiberToNetStatustoOWD>();
   EXPECT_EQ(trace.Take(), "owd 0x020001e0 00\nowd 0x020001e1 00\n");
 }
 
@@ -142,7 +140,6 @@ TEST(Reports, SingleFramesNameTheirRegister) {
       {[] { Global().SendMStoOWD9_16(); }, "owd 0x02000100 0102030405060708\n"},
   };
   device::Begin("bus");
-  device::JoinBus();
   device::PutFpga(0x100, "0102030405060708");
   support::Trace trace;
   for (const Case& c : kCases) {
@@ -155,14 +152,12 @@ TEST(Reports, SingleFramesNameTheirRegister) {
 // A report is shaped like a reply: byte for byte as it crosses the bus.
 TEST(Reports, FrameOfAReport) {
   device::Begin("none");
-  device::JoinBus();
   auto owd = device::ConnectOwd();
   Global().SendFlag_quivordload();
   const auto packet = owd.Receive();
   ASSERT_TRUE(packet.has_value());
   EXPECT_EQ(device::Hex(std::span(*packet).subspan(28)),
-            "aa550000000000000000000000000014010002"
-            "1201");
+            "aa5500000000000000000000000000140100026c55");
 }
 
 }  // namespace

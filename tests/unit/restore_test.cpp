@@ -108,7 +108,8 @@ TEST(Restore, BypassGoesOutByItsMode) {
     const char* signedOnes;  // at 0x1F0
     const char* sent;
   };
-  constexpr char kFromRegisters[] = "fpga W 0x91 0000\nfpga W 0xac 0000\nfpga W 0x28 64003200\n";
+  static constexpr char kFromRegisters[] =
+      "fpga W 0x91 0000\nfpga W 0xac 0000\nfpga W 0x28 64003200\n";
   constexpr Case kCases[] = {
       {"00", "64003200", "9cffffffceffffff", ""},
       {"01", "64003200", "9cffffffceffffff", kFromRegisters},
@@ -165,7 +166,6 @@ owd 0x02000100 0000000000000000
     return std::string(kBegin).replace(std::string(kBegin).find('%'), 1, online);
   };
   device::Begin("fpga flash env shell bus");
-  device::JoinBus();
   PutFlash(0xC20000, "6000000060000000 6000000060000000");
   PutFlash(0xD17000, "05");
   PutFlash(0xB99000, "a8");
