@@ -44,6 +44,7 @@ std::string DaemonProgram() {
   std::vector<std::string> words = {program};
   words.insert(words.end(), options.begin(), options.end());
   std::vector<char*> arguments;
+  arguments.reserve(words.size() + 1);
   for (std::string& word : words) arguments.push_back(word.data());
   arguments.push_back(nullptr);
   const sigset_t signals = Watched();

@@ -89,12 +89,18 @@ class Data_Global : public Singleton<Data_Global> {
   int32_t WriteFeatureBus(uint32_t offset, std::span<const uint8_t> bytes);
   // Takes `length` bytes of the image from the FPGA. 0; -1 on failure, and the image is as before.
   int32_t RefreshFromFeatureBus(uint32_t offset, uint32_t length);
+  // Fills the image from what was stored. With the FPGA online the image is ahead of the FPGA from
+  // here on until a block of it has gone there: a refresh in between reads and takes nothing.
+  void LoadFeatureImage(std::span<const uint8_t, 512> image);
+  // Sends all of the image that the FPGA holds, 472 bytes from 0x18 on. 0, or -1.
+  int32_t SendFeatureImage();
   // Runs `change` on the image and sends what a layout touches of it, 0x1AE bytes from 0x18 on.
   template <class Change>
   void CommitFeatureImage(Change change) {
     const CMutexGuardT guard(m_featureBus);
     change();
-    SendLayoutOfImage();
+    // What fails is logged below; the image stays, so a later block brings the FPGA in line.
+    static_cast<void>(SendImageBlock(0x1AE));
   }
 
   // --- Store (data_store.cpp); any thread -----------------------------------------------------
@@ -227,11 +233,13 @@ class Data_Global : public Singleton<Data_Global> {
 
  private:
   void BootRecover();
-  void SendLayoutOfImage();
+  // Sends `length` bytes of the image, 472 at most, from 0x18 on. 0, or -1.
+  int32_t SendImageBlock(uint32_t length) MCUC_REQUIRES(m_featureBus);
 
   // Orders what takes the feature image from the FPGA with what gives it to the FPGA, so that a
   // refresh never undoes a write that is on its way. Held for one bus transfer at a time.
   CMutexThread m_featureBus;
+  bool m_imageAhead MCUC_GUARDED_BY(m_featureBus) = false;  // see `LoadFeatureImage`
 };
 
 class Data_Preset : public Singleton<Data_Preset> {

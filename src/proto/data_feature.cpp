@@ -2,6 +2,7 @@
 #include <platform/info.h>
 #include <platform/system.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -238,7 +239,12 @@ Then Store4K(FeatureWrite& write) {
 }
 
 Then StoreImage(FeatureWrite& write) {
-  const auto image = write.reg.snapshot<feature::kSize>(0);
+  auto image = write.reg.snapshot<feature::kSize>(0);
+  if (write.switched.has_value()) {
+    // The FPGA gets these after the store: a read may have refreshed the image from it meanwhile.
+    std::ranges::copy(write.switched->offsets, image.begin() + feature::kOffsetX);
+    std::ranges::copy(write.switched->size, image.begin() + feature::kScreenWidth);
+  }
   if (DriverUtil::getInstance()->WriteDataToFlash(flash::kFeature, image.size(), image.data()) !=
       0) {
     MCUC_LOG(kLogError, "=== DoWriteFeatureInfo ========= WriteDataToFlash failed !");

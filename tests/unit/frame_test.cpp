@@ -3,6 +3,8 @@
 
 #include <array>
 #include <cstring>
+#include <optional>
+#include <random>
 
 #include "stub/mcuqmbthread.h"
 #include "support/inprocess.h"
@@ -108,6 +110,21 @@ TEST(Frame, SumStartsAtItsSeedAndWraps) {
     MCUCMsg::CaculCheckout(bytes.data(), c.start, c.count, &sum);
     EXPECT_EQ(sum, c.sum) << c.count << " bytes";
   }
+}
+
+TEST(Frame, SumCoversEachByteButTheTag) {
+  std::minstd_rand random(20260101);
+  std::vector<uint8_t> bytes(200);
+  for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(random());
+  for (int32_t count = 0; count < 80; ++count) {
+    uint16_t slow = 0x5555;
+    for (int32_t i = 0; i < count; ++i) {
+      slow = static_cast<uint16_t>(slow + bytes[static_cast<std::size_t>(count + i)]);
+    }
+    uint16_t sum = 0;
+    MCUCMsg::CaculCheckout(bytes.data(), count, count, &sum);
+    EXPECT_EQ(sum, slow) << count << " bytes";
+  }
   auto frame = Bytes(kExchanges[4].request);
   for (std::size_t i = 0; i < frame.size(); ++i) {
     frame[i] ^= 0x10;
@@ -162,7 +179,7 @@ TEST(FrontEnd, MarksFaultyFramesAndDropsShortOnes) {
       {"more bytes than promised", "55AA 00000000 0000 0000 0100 341200F0 0200 C1C2C3 D458", 0,
        "C1C2"},
       {"19 bytes", "55AA 00000000 0000 0000 0000 18000002 0400 55", std::nullopt, ""},
-      {"no bytes", "", std::nullopt, ""},
+      {"one byte", "55", std::nullopt, ""},
   };
   McuQMBThread front = MakeFront();
   for (const Case& c : kCases) {

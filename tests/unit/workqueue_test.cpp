@@ -5,7 +5,7 @@
 
 #include "process/tprocess_ctl.h"
 #include "proto/data_common.h"
-#include "stub/mcuprocessthread.h"
+#include "stub/stubutil.h"
 #include "support/board_kit.h"
 #include "support/inprocess.h"
 
