@@ -23,6 +23,8 @@ class Tprocess : public Singleton<Tprocess> {
   static int Sprocess_DoNumberFunCardPort(int lenth, char* data);
   // Lays out the wall that was asked for last; no handler of the queue, the flag thread calls it.
   static void CalculateParaOfSenderHandler();
+  // tprocess_video.cpp
+  static int Sprocess_DoDoEDIDSpace(int lenth, char* data);
   // tprocess.cpp: kinds that nobody queues. They log and do nothing else.
   static int Sprocess_Correction(int lenth, char* data);
   static int Sprocess_SenderTestPatten(int lenth, char* data);

@@ -34,7 +34,7 @@ constexpr Handler kHandlers[] = {
     {PositionNetPortKey, Tprocess::Sprocess_PositionNetPort},
     {DoNumberFunCardPortKey, Tprocess::Sprocess_DoNumberFunCardPort},
     {DoSoftwareTableKey, nullptr},
-    {DoEDIDSpaceKey, nullptr},
+    {DoEDIDSpaceKey, Tprocess::Sprocess_DoDoEDIDSpace},
     {ActiveReportingKey, Tprocess::Sprocess_ActiveReporting},
     {SenderRGBGammaKey, nullptr},
     {doAdjustBrightnessKey, nullptr},

@@ -3,6 +3,7 @@
 #include "mcuctrace.h"
 #include "proto/addr_cabinetrotationregister.h"
 #include "proto/addr_coordinatescanboardregister.h"
+#include "proto/addr_edidspaceregister.h"
 #include "proto/addr_featureregister.h"
 #include "proto/addr_numberfuncardportregister.h"
 #include "proto/addr_plugincardinforegister.h"
@@ -32,6 +33,7 @@ constexpr TopEntry kEntries[] = {
     Entry<Addr_ShortcutConfigScreenRegister, kShortcutConfigScreenSpace>(),
     Entry<Addr_CoordinateScanBoardRegister, kCoordinateScanBoardSpace>(),
     Entry<Addr_NumberFunCardPortRegister, kNumberFunCardPortSpace>(),
+    Entry<Addr_EDIDSpaceRegister, kEDIDSpace>(),
     Entry<Addr_TestPrinfRegister, kTestPrinfSpace>(),
 };
 
