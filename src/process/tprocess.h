@@ -25,10 +25,8 @@ class Tprocess : public Singleton<Tprocess> {
   static int Sprocess_DoNumberFunCardPort(int lenth, char* data);
   // Lays out the wall that was asked for last; no handler of the queue, the flag thread calls it.
   static void CalculateParaOfSenderHandler();
-<<<<<<< HEAD
   // tprocess_video.cpp
   static int Sprocess_DoDoEDIDSpace(int lenth, char* data);
-=======
   // tprocess_cardfiles.cpp
   static int Sprocess_RVConfigFileSpace(int lenth, char* data);
   static int Sprocess_SendRVConfigFile(int lenth, char* data);
@@ -39,7 +37,6 @@ class Tprocess : public Singleton<Tprocess> {
   static int Sprocess_DoSoftwareTable(int lenth, char* data);
   static int Sprocess_DoScreenInfoEcho(int lenth, char* data);
   static int Sprocess_DoBackupInfo(int lenth, char* data);
->>>>>>> main
   // tprocess.cpp: kinds that nobody queues. They log and do nothing else.
   static int Sprocess_Correction(int lenth, char* data);
   static int Sprocess_SenderTestPatten(int lenth, char* data);

@@ -33,13 +33,8 @@ constexpr Handler kHandlers[] = {
     {AdvCalcParaOfSenderKey, Tprocess::Sprocess_AdvCalcParaOfSender},
     {PositionNetPortKey, Tprocess::Sprocess_PositionNetPort},
     {DoNumberFunCardPortKey, Tprocess::Sprocess_DoNumberFunCardPort},
-<<<<<<< HEAD
-    {DoSoftwareTableKey, nullptr},
-    {DoEDIDSpaceKey, Tprocess::Sprocess_DoDoEDIDSpace},
-=======
     {DoSoftwareTableKey, Tprocess::Sprocess_DoSoftwareTable},
-    {DoEDIDSpaceKey, nullptr},
->>>>>>> main
+    {DoEDIDSpaceKey, Tprocess::Sprocess_DoDoEDIDSpace},
     {ActiveReportingKey, Tprocess::Sprocess_ActiveReporting},
     {SenderRGBGammaKey, nullptr},
     {doAdjustBrightnessKey, Tprocess::Sprocess_doAdjustBrightness},
