@@ -92,7 +92,7 @@ constexpr Area kScreenPatternGenAreas[] = {{0, 0x3F}};
 constexpr RowNames kRVConfigFileRows[] = {
     {0x0F000000, "RVConfig File Space info", "RVConfig File Space info register"}};
 constexpr Area kRVConfigFileWrites[] = {
-    {0x000000, 0x200000},  // header, name list and files, up to the store's end
+    {0x000000, 0x100000},  // header, name list and files
     {0x800000, 0x801000},  // device names
     {0xF00000, 0xF00120},  // control
 };
