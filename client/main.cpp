@@ -1,5 +1,7 @@
 // quivordctl: asks the daemon of a board over its message bus, one command a call.
-#include <iostream>
+#include <cstdio>
+#include <exception>
+#include <string>
 #include <vector>
 
 #include "commands.h"
@@ -38,9 +40,7 @@ ctl::Exit Run(const std::vector<Declared>& all, const ctl::OptionWords& words) {
   return ctl::Exit::kWrongUse;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int Ctl(int argc, char** argv) {
   CLI::App app(kAbout, "quivordctl");
   app.require_subcommand(1);
   ctl::OptionWords words;
@@ -56,5 +56,16 @@ int main(int argc, char** argv) {
         .Fault(std::string(error.what()) + "; see quivordctl --help",
                static_cast<int>(ctl::Exit::kWrongUse));
     return static_cast<int>(ctl::Exit::kWrongUse);
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return Ctl(argc, argv);
+  } catch (const std::exception& fault) {  // out of memory and the like
+    std::fprintf(stderr, "quivordctl: %s\n", fault.what());
+    return static_cast<int>(ctl::Exit::kNoAnswer);
   }
 }
