@@ -3,10 +3,20 @@
 namespace ctl {
 
 std::span<const Command* const> Commands() {
+  // clang-format off: a line each, so that commands join without touching others
   static constexpr const Command* kCommands[] = {
-      &kReadCommand,   &kWriteCommand, &kMonitorCommand, &kPingCommand,  &kStatusCommand,
-      &kOutputCommand, &kTimeCommand,  &kFeatureCommand, &kStoreCommand,
+      &kStatusCommand,
+      &kWallCommand,
+      &kOutputCommand,
+      &kFeatureCommand,
+      &kTimeCommand,
+      &kMonitorCommand,
+      &kStoreCommand,
+      &kReadCommand,
+      &kWriteCommand,
+      &kPingCommand,
   };
+  // clang-format on
   return kCommands;
 }
 

@@ -17,6 +17,7 @@ extern const Command kOutputCommand;
 extern const Command kTimeCommand;
 extern const Command kFeatureCommand;
 extern const Command kStoreCommand;
+extern const Command kWallCommand;
 
 // In the order in which help lists them.
 std::span<const Command* const> Commands();

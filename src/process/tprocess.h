@@ -25,6 +25,8 @@ class Tprocess : public Singleton<Tprocess> {
   static int Sprocess_DoNumberFunCardPort(int lenth, char* data);
   // Lays out the wall that was asked for last; no handler of the queue, the flag thread calls it.
   static void CalculateParaOfSenderHandler();
+  // tprocess_video.cpp
+  static int Sprocess_DoDoEDIDSpace(int lenth, char* data);
   // tprocess_cardfiles.cpp
   static int Sprocess_RVConfigFileSpace(int lenth, char* data);
   static int Sprocess_SendRVConfigFile(int lenth, char* data);

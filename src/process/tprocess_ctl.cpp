@@ -34,7 +34,7 @@ constexpr Handler kHandlers[] = {
     {PositionNetPortKey, Tprocess::Sprocess_PositionNetPort},
     {DoNumberFunCardPortKey, Tprocess::Sprocess_DoNumberFunCardPort},
     {DoSoftwareTableKey, Tprocess::Sprocess_DoSoftwareTable},
-    {DoEDIDSpaceKey, nullptr},
+    {DoEDIDSpaceKey, Tprocess::Sprocess_DoDoEDIDSpace},
     {ActiveReportingKey, Tprocess::Sprocess_ActiveReporting},
     {SenderRGBGammaKey, nullptr},
     {doAdjustBrightnessKey, Tprocess::Sprocess_doAdjustBrightness},

@@ -6,6 +6,7 @@
 #include "proto/addr_cardprogmaspaceregister.h"
 #include "proto/addr_cmdregister.h"
 #include "proto/addr_coordinatescanboardregister.h"
+#include "proto/addr_edidspaceregister.h"
 #include "proto/addr_featureregister.h"
 #include "proto/addr_hardwarebrightnessadjust.h"
 #include "proto/addr_hwbasicinforegister.h"
@@ -47,6 +48,7 @@ constexpr TopEntry kEntries[] = {
     Entry<Addr_CoordinateScanBoardRegister, kCoordinateScanBoardSpace>(),
     Entry<Addr_NumberFunCardPortRegister, kNumberFunCardPortSpace>(),
     Entry<Addr_SoftwareTableRegister, kSoftwareTableSpace>(),
+    Entry<Addr_EDIDSpaceRegister, kEDIDSpace>(),
     Entry<Addr_HardWareBrightnessAdjust, kBrightnessSpace>(),
     Entry<Addr_TestPrinfRegister, kTestPrinfSpace>(),
     Entry<Addr_RVConfigFileSpace, kRVConfigFileSpace>(),
