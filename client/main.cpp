@@ -30,6 +30,16 @@ std::vector<Declared> DeclareAll(CLI::App& app) {
   return all;
 }
 
+// The command as far as the command line has named it: "quivordctl output".
+std::string Called(const CLI::App& app) {
+  std::string text = app.get_name();
+  for (const CLI::App* part = &app; !part->get_subcommands().empty();) {
+    part = part->get_subcommands().front();
+    text += " " + part->get_name();
+  }
+  return text;
+}
+
 ctl::Exit Run(const std::vector<Declared>& all, const ctl::OptionWords& words) {
   const ctl::Options options = ctl::Understand(words);
   ctl::Output out(options.json);
@@ -53,7 +63,7 @@ int Ctl(int argc, char** argv) {
     return app.exit(shown);  // help
   } catch (const CLI::ParseError& error) {
     ctl::Output(words.json)
-        .Fault(std::string(error.what()) + "; see quivordctl --help",
+        .Fault(std::string(error.what()) + "; see " + Called(app) + " --help",
                static_cast<int>(ctl::Exit::kWrongUse));
     return static_cast<int>(ctl::Exit::kWrongUse);
   }
