@@ -3,12 +3,20 @@
 namespace ctl {
 
 std::span<const Command* const> Commands() {
+  // clang-format off: a line each, so that commands join without touching others
   static constexpr const Command* kCommands[] = {
+      &kStatusCommand,
+      &kWallCommand,
+      &kOutputCommand,
+      &kFeatureCommand,
+      &kTimeCommand,
+      &kMonitorCommand,
+      &kStoreCommand,
       &kReadCommand,
       &kWriteCommand,
-      &kMonitorCommand,
       &kPingCommand,
   };
+  // clang-format on
   return kCommands;
 }
 

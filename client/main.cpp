@@ -19,9 +19,11 @@ std::vector<Declared> DeclareAll(CLI::App& app) {
   std::vector<Declared> all;
   for (const ctl::Command* command : ctl::Commands()) {
     CLI::App* sub = app.add_subcommand(command->name, command->summary);
-    sub->footer(std::string("Examples:\n") + command->examples);
     sub->fallthrough();  // the common options may stand behind the command too
     all.push_back({sub, command->declare(*sub)});
+    const std::string examples = std::string("Examples:\n") + command->examples;
+    sub->footer(examples);
+    for (CLI::App* part : sub->get_subcommands({})) part->footer(examples);
   }
   return all;
 }

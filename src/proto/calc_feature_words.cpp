@@ -167,6 +167,7 @@ std::string FeatureRange(const FeatureRegister& row) {
   std::string text;
   for (const FeatureChoice& choice : row.choices) {
     text.append(text.empty() ? "" : ", ").append(choice.word);
+    if (choice.written == FeatureChoice::kNever) text += " (shown only)";
   }
   return text;
 }
