@@ -5,16 +5,8 @@ namespace ctl {
 std::span<const Command* const> Commands() {
   // clang-format off: a line each, so that commands join without touching others
   static constexpr const Command* kCommands[] = {
-      &kStatusCommand,
-      &kWallCommand,
-      &kOutputCommand,
-      &kFeatureCommand,
-      &kTimeCommand,
-      &kMonitorCommand,
-      &kStoreCommand,
-      &kReadCommand,
-      &kWriteCommand,
-      &kPingCommand,
+      &kStatusCommand,  &kWallCommand,  &kOutputCommand, &kFeatureCommand, &kTimeCommand,
+      &kMonitorCommand, &kStoreCommand, &kReadCommand,   &kWriteCommand,   &kPingCommand,
   };
   // clang-format on
   return kCommands;
