@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
+#include <exception>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -47,11 +48,7 @@ int RunTool(Arguments arguments, const Arguments& daemon_options) {
   return status;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-  const std::string_view own_path = argc > 0 ? argv[0] : "";
-  Arguments arguments(argv + std::min(argc, 1), argv + argc);
+int Run(std::string_view own_path, Arguments arguments) {
   const auto own_name = own_path.substr(own_path.rfind('/') + 1);
   if (const auto status = board_tool::RunStandIn(own_name, arguments)) return *status;
   const auto dashes = std::find(arguments.begin(), arguments.end(), "--");
@@ -61,4 +58,15 @@ int main(int argc, char** argv) {
     arguments.erase(dashes, arguments.end());
   }
   return RunTool(std::move(arguments), daemon_options);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return Run(argc > 0 ? argv[0] : "", {argv + std::min(argc, 1), argv + argc});
+  } catch (const std::exception& error) {  // a file that another process has taken away, say
+    std::fprintf(stderr, "quivord-board: %s\n", error.what());
+    return board_tool::kFailed;
+  }
 }

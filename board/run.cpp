@@ -20,7 +20,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr int kCutStatus = 75;  // the daemon's own, after a simulated power cut
 constexpr int kBySignal = 128;
 constexpr int kNotStarted = 127;
 
@@ -45,6 +44,7 @@ std::string DaemonProgram() {
   std::vector<std::string> words = {program};
   words.insert(words.end(), options.begin(), options.end());
   std::vector<char*> arguments;
+  arguments.reserve(words.size() + 1);
   for (std::string& word : words) arguments.push_back(word.data());
   arguments.push_back(nullptr);
   const sigset_t signals = Watched();

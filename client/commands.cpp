@@ -3,12 +3,21 @@
 namespace ctl {
 
 std::span<const Command* const> Commands() {
+  // A line each, so that commands join without touching others.
+  // clang-format off
   static constexpr const Command* kCommands[] = {
+      &kStatusCommand,
+      &kWallCommand,
+      &kOutputCommand,
+      &kFeatureCommand,
+      &kTimeCommand,
+      &kMonitorCommand,
+      &kStoreCommand,
       &kReadCommand,
       &kWriteCommand,
-      &kMonitorCommand,
       &kPingCommand,
   };
+  // clang-format on
   return kCommands;
 }
 

@@ -21,11 +21,23 @@ std::vector<Declared> DeclareAll(CLI::App& app) {
   std::vector<Declared> all;
   for (const ctl::Command* command : ctl::Commands()) {
     CLI::App* sub = app.add_subcommand(command->name, command->summary);
-    sub->footer(std::string("Examples:\n") + command->examples);
     sub->fallthrough();  // the common options may stand behind the command too
     all.push_back({sub, command->declare(*sub)});
+    const std::string examples = std::string("Examples:\n") + command->examples;
+    sub->footer(examples);
+    for (CLI::App* part : sub->get_subcommands({})) part->footer(examples);
   }
   return all;
+}
+
+// The command as far as the command line has named it: "quivordctl output".
+std::string Called(const CLI::App& app) {
+  std::string text = app.get_name();
+  for (const CLI::App* part = &app; !part->get_subcommands().empty();) {
+    part = part->get_subcommands().front();
+    text += " " + part->get_name();
+  }
+  return text;
 }
 
 ctl::Exit Run(const std::vector<Declared>& all, const ctl::OptionWords& words) {
@@ -51,7 +63,7 @@ int Ctl(int argc, char** argv) {
     return app.exit(shown);  // help
   } catch (const CLI::ParseError& error) {
     ctl::Output(words.json)
-        .Fault(std::string(error.what()) + "; see quivordctl --help",
+        .Fault(std::string(error.what()) + "; see " + Called(app) + " --help",
                static_cast<int>(ctl::Exit::kWrongUse));
     return static_cast<int>(ctl::Exit::kWrongUse);
   }

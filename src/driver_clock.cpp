@@ -65,11 +65,18 @@ void ChangeClock(const char* operation, Change change) {
 
 }  // namespace
 
-uint8_t DriverUtil::ReadTime(uint8_t index) {
+std::array<uint8_t, 7> DriverUtil::ReadTimes() {
   const tm now = LocalTime(platform::Time());
   const int fields[] = {now.tm_year - 100, now.tm_mon + 1, now.tm_mday,    now.tm_hour,
                         now.tm_min,        now.tm_sec,     now.tm_wday + 1};
-  return index < std::size(fields) ? static_cast<uint8_t>(fields[index]) : 0;
+  std::array<uint8_t, 7> times;
+  for (std::size_t i = 0; i < times.size(); ++i) times[i] = static_cast<uint8_t>(fields[i]);
+  return times;
+}
+
+uint8_t DriverUtil::ReadTime(uint8_t index) {
+  const auto times = ReadTimes();
+  return index < times.size() ? times[index] : 0;
 }
 
 void DriverUtil::WriteTime(uint8_t hours, uint8_t minutes, uint8_t seconds) {

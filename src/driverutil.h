@@ -6,8 +6,11 @@
 // are logged and never stop the daemon.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <span>
+#include <vector>
 
 #include "mcucmutex.h"
 #include "mcucutil.h"
@@ -85,6 +88,27 @@ class DriverUtil {
   int32_t SendCardPara(uint32_t RegStartAddr, uint16_t Num, const uint8_t* RecPara,
                        uint8_t DevType);
 
+  // --- Configuration files of the cards (driver_cardfiles.cpp); work thread ---------------------
+  // A file goes by its number, 0 to 31, in one folder; a higher number stands for the full device
+  // path in `file_name`.
+
+  // Writes `length` bytes at `begin_addr`, creates the file and its folder, truncates nothing. 0,
+  // or 1 where it won't open.
+  int32_t WriteRvFileToFalsh(const char* file_name, int save_rv_num, uint32_t begin_addr,
+                             const uint8_t* write_data, uint16_t length);
+  // 0 where the file is gone afterwards or was no regular one, -1 where it can't be looked at.
+  int RemoveRvFile(const char* file_name, int delate_num);
+  // Removes the numbers from `begin_num` up to `max_num` - 1; 0.
+  int RemoveOtherRvFile(int begin_num, int max_num);
+  // All bytes of a numbered file; none, logged, where it isn't there or can't be read.
+  std::vector<uint8_t> ReadRvFile(uint32_t load_index);
+  // Reads `length` bytes at `addr` of the file at device path `buff`. 0, or errno.
+  int32_t ReadBytesFromrecvcard(uint8_t FlashNum, uint32_t addr, uint32_t length, uint8_t* data,
+                                const char* buff);
+  // Sends one pack to all cards, in pieces of 512 bytes with 10 ms behind each where it is longer,
+  // and waits 15 ms and `delay_ms` behind it.
+  void SendCardPack(uint32_t reg, std::span<const uint8_t> data, uint16_t delay_ms);
+
   // Gives the link bits of the ports, one bit each: copper, behind fiber 1, behind fiber 2.
   struct LinkWords {
     uint16_t copper = 0;
@@ -100,6 +124,8 @@ class DriverUtil {
   // A field of the local time: 0 year since 2000, 1 month, 2 day, 3 hour, 4 minute, 5 second,
   // 6 weekday from 1 for Sunday; 0 for any other index.
   uint8_t ReadTime(uint8_t index);
+  // All of them, of one moment, in the order of their indexes.
+  std::array<uint8_t, 7> ReadTimes();
   // Set fields of the clock and leave the others. `year` counts from 2000, `month` from 1. A clock
   // that may not be set stays; nothing tells the caller. `WriteWeekday` changes nothing.
   void WriteTime(uint8_t hours, uint8_t minutes, uint8_t seconds);

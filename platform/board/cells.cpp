@@ -177,10 +177,10 @@ void ClearCells(int index) {
 void SetLink(int port, bool up) { SetLinkOf(Cells(1), static_cast<std::uint32_t>(port), up); }
 
 void SetFiberLink(int fiber, int port, bool up) {
+  constexpr std::uint32_t kMapSize = 2;
   const auto bit = static_cast<std::uint32_t>(port);
-  for (const std::uint32_t map : kFiberMaps) {
-    SetBit(Cells(1) + map + 2 * (static_cast<std::uint32_t>(fiber) - 1) + bit / 8, bit % 8, up);
-  }
+  const std::uint32_t place = static_cast<std::uint32_t>(fiber - 1) * kMapSize + bit / 8;
+  for (const std::uint32_t map : kFiberMaps) SetBit(Cells(1) + (map + place), bit % 8, up);
 }
 
 }  // namespace board

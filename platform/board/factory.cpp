@@ -8,7 +8,7 @@ namespace board {
 namespace {
 
 using Bytes = std::string_view;
-using std::string_view_literals::operator""sv;
+using namespace std::string_view_literals;  // for their suffix
 
 constexpr unsigned kCardSize = 128;
 constexpr Bytes kSize16 = "\x80\x00"sv;          // 128 as 16 bits

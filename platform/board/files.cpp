@@ -20,9 +20,8 @@ std::string Reason() { return std::strerror(errno); }
 }  // namespace
 
 void Fail(const std::string& message) {
-  std::fflush(stdout);
   std::fprintf(stderr, "board: %s\n", message.c_str());
-  _exit(1);  // other threads may be running: no destructors
+  _exit(1);  // other threads may be running: no destructors, no flush that may wait
 }
 
 FileHandle::~FileHandle() {

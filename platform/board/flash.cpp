@@ -84,7 +84,6 @@ bool WriteStore(const Access& access, std::span<const std::uint8_t> moved) {
   WriteStore(access, {data, half});
   if (Tracing(TraceKind::kFlash)) TraceAccess(access, false, data, half);
   LoseWrites(static_cast<std::uint32_t>(FaultCount(Fault::kFlashLoss)));
-  std::fflush(nullptr);
   _exit(kCutStatus);
 }
 

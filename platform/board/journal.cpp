@@ -24,7 +24,7 @@ struct Record {
 };
 
 // Beyond this, old writes count as on disk, as they would be by then.
-constexpr std::size_t kMostNoted = 64U << 20;
+constexpr std::size_t kMostNoted = 16U << 20;
 
 std::filesystem::path File() { return Folder() / "run/unsynced"; }
 

@@ -1,5 +1,5 @@
-// The time in register form: six bytes of two BCD digits each, year since 2000, month, day, hour,
-// minute, second.
+// The time in register form (six bytes of two BCD digits each: year since 2000, month, day, hour,
+// minute, second) and the hardware basic information.
 #pragma once
 
 #include <cstdint>
@@ -22,6 +22,13 @@ class BasicPublicFunc : public Singleton<BasicPublicFunc> {
 
   // The weekday of a BCD date, 1 for Monday to 7 for Sunday.
   static uint8_t CalcWeekday(uint8_t year, uint8_t month, uint8_t date);
+
+  // Takes a write of `data` at register `addr` of the basic information into flash, as far as
+  // clients may change it; a serial number also goes to the environment store, a MAC address to the
+  // boot loader. Failures are logged. Work thread. (basicpublicfunc_identity.cpp)
+  void SetHwBasicinfo(uint32_t addr, std::span<const uint8_t> data);
+  // Reads `data.size()` bytes of it from flash. 0, or the platform's failure.
+  int32_t GetHwBasicinfo(uint32_t addr, std::span<uint8_t> data);
 };
 
 }  // namespace ZEPH_MCUC

@@ -16,6 +16,8 @@ class Tprocess : public Singleton<Tprocess> {
   static int Sprocess_ReloadSendCardProgram(int lenth, char* data);
   // tprocess_feature.cpp
   static int Sprocess_DoFeatureInfo(int lenth, char* data);
+  // tprocess_brightness.cpp
+  static int Sprocess_doAdjustBrightness(int lenth, char* data);
   // tprocess_layout.cpp
   static int Sprocess_CalculateParaOfSender(int lenth, char* data);
   static int Sprocess_AdvCalcParaOfSender(int lenth, char* data);
@@ -23,6 +25,18 @@ class Tprocess : public Singleton<Tprocess> {
   static int Sprocess_DoNumberFunCardPort(int lenth, char* data);
   // Lays out the wall that was asked for last; no handler of the queue, the flag thread calls it.
   static void CalculateParaOfSenderHandler();
+  // tprocess_video.cpp
+  static int Sprocess_DoDoEDIDSpace(int lenth, char* data);
+  // tprocess_cardfiles.cpp
+  static int Sprocess_RVConfigFileSpace(int lenth, char* data);
+  static int Sprocess_SendRVConfigFile(int lenth, char* data);
+  // tprocess_small.cpp
+  static int Sprocess_BasicData(int lenth, char* data);
+  static int Sprocess_ReturnFactorySet(int lenth, char* data);
+  static int Sprocess_doMappingForSender(int lenth, char* data);
+  static int Sprocess_DoSoftwareTable(int lenth, char* data);
+  static int Sprocess_DoScreenInfoEcho(int lenth, char* data);
+  static int Sprocess_DoBackupInfo(int lenth, char* data);
   // tprocess.cpp: kinds that nobody queues. They log and do nothing else.
   static int Sprocess_Correction(int lenth, char* data);
   static int Sprocess_SenderTestPatten(int lenth, char* data);

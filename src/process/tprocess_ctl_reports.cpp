@@ -9,8 +9,6 @@
 namespace ZEPH_MCUC {
 namespace {
 
-constexpr uint32_t kFiberBelowLinks = 0x1F2;
-constexpr uint32_t kFiberRedundancy = 0x1F6;
 constexpr uint8_t kLinkChanged = 1;
 
 // Passes after a link change: when the card size is asked for, and when that is given up.
@@ -57,19 +55,22 @@ void SendEach(uint32_t address, const std::array<uint8_t, N>& bytes) {
 }  // namespace
 
 void Tprocess_ctl::SendRedundtoOWD() {
-  OnChange("redundancy", ReadEach({0x1E, 0x9E, 0x120, 0x121}), &Global().SendRedundtoOWD_buff,
-           [this] {
+  OnChange("redundancy",
+           ReadEach({feature::kRedundancy, feature::kRedundancy4, feature::kRedundancy8,
+                     feature::kRedundancy8 + 1}),
+           &Global().SendRedundtoOWD_buff, [this] {
              SendRedundtoOWD1_4();
              SendRedundtoOWD5_8();
              SendRedundtoOWD9_16();
            });
-  const auto groups = ReadBlock<6>(kFiberRedundancy);
+  const auto groups = ReadBlock<6>(feature::kFiberRedundancy);
   OnChange("fiber redundancy of port groups", groups, &Global().SendOptRedundtoOWD_buff,
-           [&] { SendEach(kFiberRedundancy, groups); });
+           [&] { SendEach(feature::kFiberRedundancy, groups); });
 }
 
 void Tprocess_ctl::SendNetLinktoOWD() {
-  const auto links = ReadEach({0x1F, 0x9F, 0x126, 0x127});
+  const auto links =
+      ReadEach({feature::kNetLink, feature::kNetLink4, feature::kNetLink8, feature::kNetLink8 + 1});
   uint16_t ports = 0;
   for (std::size_t i = 0; i < links.size(); ++i) {
     ports = static_cast<uint16_t>(ports | (links[i] & 0x0F) << (4 * i));
@@ -89,15 +90,15 @@ void Tprocess_ctl::SendFiberLinktoOWD() {
 }
 
 void Tprocess_ctl::SendFiberBelowLinkStatustoOWD() {
-  const auto links = ReadBlock<4>(kFiberBelowLinks);
+  const auto links = ReadBlock<4>(feature::kBelowFiber1);
   const std::array<uint8_t, 2> first = {links[0], links[1]};
   const std::array<uint8_t, 2> second = {links[2], links[3]};
   OnChange("links below fiber 1", first, &Global().Fiber1BelowLinkStatus_buff, [&] {
-    SendEach(kFiberBelowLinks, first);
+    SendEach(feature::kBelowFiber1, first);
     Global().LinkStateChanged = kLinkChanged;
   });
   OnChange("links below fiber 2", second, &Global().Fiber2BelowLinkStatus_buff, [&] {
-    SendEach(kFiberBelowLinks + 2, second);
+    SendEach(feature::kBelowFiber2, second);
     Global().LinkStateChanged = kLinkChanged;
   });
 }
@@ -145,11 +146,11 @@ void Tprocess_ctl::SendRecvCardParaToOwdByLinkChange() {
   }
 }
 
-void Tprocess_ctl::SendRedundtoOWD1_4() { Global().SendStatusToOWD(0x1E, 1); }
-void Tprocess_ctl::SendRedundtoOWD5_8() { Global().SendStatusToOWD(0x9E, 1); }
-void Tprocess_ctl::SendRedundtoOWD9_16() { Global().SendStatusToOWD(0x120, 2); }
-void Tprocess_ctl::SendNetLinktoOWD1_4() { Global().SendStatusToOWD(0x1F, 1); }
-void Tprocess_ctl::SendNetLinktoOWD5_8() { Global().SendStatusToOWD(0x9F, 1); }
-void Tprocess_ctl::SendNetLinktoOWD9_16() { Global().SendStatusToOWD(0x126, 2); }
+void Tprocess_ctl::SendRedundtoOWD1_4() { Global().SendStatusToOWD(feature::kRedundancy, 1); }
+void Tprocess_ctl::SendRedundtoOWD5_8() { Global().SendStatusToOWD(feature::kRedundancy4, 1); }
+void Tprocess_ctl::SendRedundtoOWD9_16() { Global().SendStatusToOWD(feature::kRedundancy8, 2); }
+void Tprocess_ctl::SendNetLinktoOWD1_4() { Global().SendStatusToOWD(feature::kNetLink, 1); }
+void Tprocess_ctl::SendNetLinktoOWD5_8() { Global().SendStatusToOWD(feature::kNetLink4, 1); }
+void Tprocess_ctl::SendNetLinktoOWD9_16() { Global().SendStatusToOWD(feature::kNetLink8, 2); }
 
 }  // namespace ZEPH_MCUC

@@ -101,10 +101,8 @@ JSHL_Type_e Addr_ShortcutConfigScreenRegister::WriteToShortcutConfigScreen(QMB_p
   const auto& data = msg->proto.m_data;
   if (data.empty()) return JSHL_OK;
   const uint32_t offset = space::Offset(kShortcutConfigScreenSpace, *msg);
-  if (!FlashWriteAllowed(FlashOwner::kShortcut, FlashAddress(offset),
-                         static_cast<uint32_t>(data.size()))) {
-    MCUC_LOG(kLogError, "=== WriteToShortcutConfigScreen ===Invalid addr+len, return! address = "
-                            << CTrace::hex << msg->proto.m_uiRegisterUnitAddress);
+  if (!space::FlashTakes(*msg, FlashOwner::kShortcut, FlashAddress(offset),
+                         "WriteToShortcutConfigScreen")) {
     return JSHL_invalidAddrLen;
   }
   const bool marked = data[0] == shortcut::kSubmit;

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <span>
+#include <string_view>
 
 namespace ZEPH_MCUC {
 
@@ -46,6 +47,10 @@ inline constexpr uint32_t kScreenChanges = 0xD17000;
 inline constexpr uint32_t kCardFiles = 0xE00000;
 }  // namespace flash
 
+// Where a register of a space that is a store lies in flash.
+constexpr uint32_t BackupFlash(uint32_t reg) { return reg - 0x01768000; }
+constexpr uint32_t SoftwareFlash(uint32_t reg) { return reg - 0x043D0000; }
+
 // Who a region belongs to.
 enum class FlashOwner : uint8_t {
   kBasicInfo,
@@ -74,11 +79,15 @@ struct FlashRegion {
   uint32_t address;
   uint32_t length;
   FlashOwner owner;
+  std::string_view name;  // for the client
   const char* content;
 };
 
 // All regions, by address; none overlaps another.
 std::span<const FlashRegion> FlashRegions();
+
+// The region of that name, or null.
+const FlashRegion* FindFlashRegion(std::string_view name);
 
 // Whether a write of `length` bytes at `address` by `owner` stays inside the store and touches no
 // byte that belongs to another owner. Bytes that no region names are anybody's.

@@ -89,12 +89,18 @@ class Data_Global : public Singleton<Data_Global> {
   int32_t WriteFeatureBus(uint32_t offset, std::span<const uint8_t> bytes);
   // Takes `length` bytes of the image from the FPGA. 0; -1 on failure, and the image is as before.
   int32_t RefreshFromFeatureBus(uint32_t offset, uint32_t length);
+  // Fills the image from what was stored. With the FPGA online the image is ahead of the FPGA from
+  // here on until a block of it has gone there: a refresh in between reads and takes nothing.
+  void LoadFeatureImage(std::span<const uint8_t, 512> image);
+  // Sends all of the image that the FPGA holds, 472 bytes from 0x18 on. 0, or -1.
+  int32_t SendFeatureImage();
   // Runs `change` on the image and sends what a layout touches of it, 0x1AE bytes from 0x18 on.
   template <class Change>
   void CommitFeatureImage(Change change) {
     const CMutexGuardT guard(m_featureBus);
     change();
-    SendLayoutOfImage();
+    // What fails is logged below; the image stays, so a later block brings the FPGA in line.
+    static_cast<void>(SendImageBlock(0x1AE));
   }
 
   // --- Store (data_store.cpp); any thread -----------------------------------------------------
@@ -159,6 +165,41 @@ class Data_Global : public Singleton<Data_Global> {
   // Flash into the arrays and, once the FPGA is online, the arrays into the FPGA.
   void RestoreFPGA();
 
+  // --- Identity (data_identity.cpp)
+  // ---------------------------------------------------------------
+
+  // At start: makes flash and environment store agree on the serial number.
+  void SNTransfer();
+  // At a read, on the bus receive thread: the same check; `read_sn` takes the 8 bytes that the
+  // environment holds, and keeps what it has where the environment holds none.
+  void GetEnvSNPara(uint8_t* read_sn);
+  // `read_id` takes the 2 bytes of the model, low byte first, where the environment names one.
+  void GetEnvModelIDPara(uint8_t* read_id);
+  // Hexadecimal text to (length + 1) / 2 bytes; 0.
+  int ASCII2Hex(const uint8_t* code_char, int length, uint8_t* code_int);
+  // At start: reads the basic area and renews its fixed bytes.
+  void ReadHardwareInfo();
+
+  // --- Configuration files of the cards (data_cardfiles.cpp); work thread
+  // -------------------------- Each sends the packs of one file to all cards, with the pauses that
+  // belong to it, and ends at the first pack that is too long.
+
+  // A numbered file on disk. 0.
+  int32_t LoadRvCfgToRecvCard(uint32_t load_index);
+  // A file of the image in flash. 0.
+  int32_t LoadRvCfgFromFlash(uint8_t number);
+  // A package file at device path `buff`, which has a form of its own. 0, or -1 where a package is
+  // too long, doesn't move on, or can't be read.
+  int LoadRecvCardFile(const char* buff);
+
+  // --- Factory reset (data_factory.cpp); flag thread
+  // ----------------------------------------------
+
+  // Prepares the store that the device has after its next reboot; `type` says what is kept. 0.
+  int ReturnFactory(uint8_t type);
+  // Sets the default static address. 0, or the failure of the last step.
+  int SetIPVersion();
+
   // --- Feature writes (data_feature.cpp); work thread -------------------------------------------
 
   // Everything that a write of `len` bytes at the feature register `addr` sets off.
@@ -192,11 +233,13 @@ class Data_Global : public Singleton<Data_Global> {
 
  private:
   void BootRecover();
-  void SendLayoutOfImage();
+  // Sends `length` bytes of the image, 472 at most, from 0x18 on. 0, or -1.
+  int32_t SendImageBlock(uint32_t length) MCUC_REQUIRES(m_featureBus);
 
   // Orders what takes the feature image from the FPGA with what gives it to the FPGA, so that a
   // refresh never undoes a write that is on its way. Held for one bus transfer at a time.
   CMutexThread m_featureBus;
+  bool m_imageAhead MCUC_GUARDED_BY(m_featureBus) = false;  // see `LoadFeatureImage`
 };
 
 class Data_Preset : public Singleton<Data_Preset> {

@@ -2,12 +2,14 @@
 #include <platform/info.h>
 #include <platform/system.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
 #include "driverutil.h"
 #include "mcuctrace.h"
 #include "process/basicpublicfunc.h"
+#include "proto/addr_hardwarebrightnessadjust.h"
 #include "proto/calc_feature.h"
 #include "proto/calc_flashmap.h"
 #include "proto/data_common.h"
@@ -88,6 +90,18 @@ Then ReportAfresh(FeatureWrite& write) {
   if (write.address == kBase + feature::kReportAfresh) {
     write.global.OptToNetEnableOnce = true;
   }
+  return Then::kGoOn;
+}
+
+// The brightness plans watch the serial link: its limit, and that it was heard.
+Then InformBrightness(FeatureWrite& write) {
+  using Brightness = Addr_HardWareBrightnessAdjust;
+  const uint8_t limit_s = write.reg[feature::kUartOvertime];
+  if (limit_s != 0 && limit_s != Brightness::UartDiscOvertime) {
+    Brightness::UartDiscOvertime = limit_s;
+    Brightness::SaveBrightnessPara();
+  }
+  if (write.IsByteAt(feature::kUartOvertime)) Brightness::DevComLinkState = 1;
   return Then::kGoOn;
 }
 
@@ -225,7 +239,12 @@ Then Store4K(FeatureWrite& write) {
 }
 
 Then StoreImage(FeatureWrite& write) {
-  const auto image = write.reg.snapshot<feature::kSize>(0);
+  auto image = write.reg.snapshot<feature::kSize>(0);
+  if (write.switched.has_value()) {
+    // The FPGA gets these after the store: a read may have refreshed the image from it meanwhile.
+    std::ranges::copy(write.switched->offsets, image.begin() + feature::kOffsetX);
+    std::ranges::copy(write.switched->size, image.begin() + feature::kScreenWidth);
+  }
   if (DriverUtil::getInstance()->WriteDataToFlash(flash::kFeature, image.size(), image.data()) !=
       0) {
     MCUC_LOG(kLogError, "=== DoWriteFeatureInfo ========= WriteDataToFlash failed !");
@@ -244,24 +263,12 @@ Then Sync(FeatureWrite& write) {
 }
 
 constexpr Step kSteps[] = {
-    StoreInImage,
-    RefuseLowDelayInBypass,
-    MirrorToService,
-    WriteToBus,
-    SetPowerOnTime,
-    MirrorCorrection,
-    ChangeBypass,
-    ReportAfresh,
-    // The brightness module takes its share of the UART overtime here.
-    ActOnOne,
-    ClearScreenSize,
-    SetScreenSize,
-    SetHighSpeed,
-    StoreOptPortMode,
-    Store4K,
-    StoreImage,
-    FinishBypassSwitch,
-    Sync,
+    StoreInImage, RefuseLowDelayInBypass, MirrorToService,
+    WriteToBus,   SetPowerOnTime,         MirrorCorrection,
+    ChangeBypass, ReportAfresh,           InformBrightness,
+    ActOnOne,     ClearScreenSize,        SetScreenSize,
+    SetHighSpeed, StoreOptPortMode,       Store4K,
+    StoreImage,   FinishBypassSwitch,     Sync,
 };
 
 }  // namespace

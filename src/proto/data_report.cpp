@@ -5,15 +5,11 @@
 #include "mcuctrace.h"
 #include "proto/calc_feature.h"
 #include "proto/data_common.h"
+#include "proto/report_names.h"
 #include "stub/stubutil.h"
 
 namespace ZEPH_MCUC {
 namespace {
-
-constexpr uint32_t kReadyRegister = 0x14000000;
-constexpr uint32_t kResetRegister = 0x01000002;
-constexpr uint32_t kCardSizeRegister = 0x02100006;
-constexpr uint32_t kShortcutRegister = 0x02810000;
 
 // Sends `length` bytes as the value of `reg` to the task `peer`.
 void Send(uint32_t peer, uint32_t reg, const uint8_t* data, uint16_t length) {
@@ -51,21 +47,21 @@ void Data_Global::SendDatetoOWD(uint32_t reg, const uint8_t* data, uint16_t leng
 void Data_Global::SendFlag_quivordload() {
   constexpr uint8_t kReady = 0x02;
   MCUC_LOG(kLogError,
-           "Send quivord load flag to OWD, the reg address = " << CTrace::hex << kReadyRegister);
-  Send(task::kOwd, kReadyRegister, &kReady, 1);
+           "Send quivord load flag to OWD, the reg address = " << CTrace::hex << report::kReady);
+  Send(task::kOwd, report::kReady, &kReady, 1);
 }
 
 void Data_Global::SendRebootMsgtoOWD(const uint8_t* data, uint16_t length) {
   MCUC_LOG(kLogInfo,
-           "Send Reboot info to OWD, the reg address = " << CTrace::hex << kResetRegister);
-  Send(task::kOwd, kResetRegister, data, length);
+           "Send Reboot info to OWD, the reg address = " << CTrace::hex << report::kReset);
+  Send(task::kOwd, report::kReset, data, length);
 }
 
 void Data_Global::SendRVCardWHtoOWD() {
   uint8_t size[4];
   DWQ_ENCWD(size, ReceiveCardWidth);
   DWQ_ENCWD(size + 2, ReceiveCardHeight);
-  Send(task::kOwd, kCardSizeRegister, size, sizeof(size));
+  Send(task::kOwd, report::kCardSize, size, sizeof(size));
 }
 
 void Data_Global::SendStatusToOWD(uint32_t address, uint16_t length) {
@@ -81,8 +77,8 @@ void Data_Global::SendMStoOWD5_8() { SendRoles(this, 0x98, 4); }
 void Data_Global::SendMStoOWD9_16() { SendRoles(this, 0x100, 8); }
 
 void Data_Global::SendC8toKye() {
-  MCUC_LOG(kLogInfo, "Send C8 flag to Kye, the reg address = " << CTrace::hex << kShortcutRegister);
-  Send(task::kKye, kShortcutRegister, &kConfiguredBySoftware, 1);
+  MCUC_LOG(kLogInfo, "Send C8 flag to Kye, the reg address = " << CTrace::hex << report::kShortcut);
+  Send(task::kKye, report::kShortcut, &kConfiguredBySoftware, 1);
 }
 
 void Data_Global::SendRedundStatustoOWD() {

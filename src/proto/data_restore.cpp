@@ -42,7 +42,7 @@ void ReadScreenPara(Data_Global* data, const char* failure) {
 }
 
 void ReadConfigStatus(Data_Global* data) {
-  uint8_t status = 0;
+  uint8_t status = data->LEDConfigStatus;  // stays where it can't be read
   DriverUtil::getInstance()->ReadBytesFromFlash(flash::kShortcut, 1, &status);
   data->LEDConfigStatus = status;
 }
@@ -145,45 +145,32 @@ void RestoreBypass(const Data_Global& data) {
   DriverUtil::getInstance()->WriteFPGABusBlock(feature::kOffsetX, offsets.data(), offsets.size());
 }
 
-void SendImageToFpga(const Data_Global& data) {
-  constexpr uint32_t kLength = feature::kBusEnd - feature::kBusPage;
-  const auto image = data.SendParameterReg.snapshot<kLength>(feature::kBusPage);
-  const int32_t result = DriverUtil::getInstance()->FPGAC5_WriteDataBlock(0, 0, feature::kBusPage,
-                                                                          kLength, image.data());
-  LogWrite("Restore Feature FPGA Space ok !", result);
-  RestoreBypass(data);
-}
-
+// A client may read the tables meanwhile, which refreshes them from an FPGA that doesn't hold them
+// yet. So each block goes into table and FPGA in one step, and from what was read.
 void RestorePositions(bool online) {
   MCUC_LOG(kLogInfo, "Restore position para to FPGA :");
-  DriverUtil* driver = DriverUtil::getInstance();
   for (std::size_t port = 0; port < kTablePorts; ++port) {
     const auto offset = static_cast<uint32_t>(port * kPositionBlock);
     std::array<uint8_t, kPositionBlock> block;
-    const int32_t result =
-        driver->ReadBytesFromFlash(flash::kPosition + offset, block.size(), block.data());
-    LogWrite("Read from flash,", result);
-    if (result == 0) PortsTopoPara.write(offset, block);
-    if (!online) continue;
-    PortsTopoPara.read(offset, block);
-    for (uint32_t at = 0; at < kPositionBlock; at += kBusBlock) {
+    PortsTopoPara.read(offset, block);  // stays where it can't be read
+    LogWrite("Read from flash,", DriverUtil::getInstance()->ReadBytesFromFlash(
+                                     flash::kPosition + offset, block.size(), block.data()));
+    PortsTopoPara.write(offset, block);
+    for (uint32_t at = 0; online && at < kPositionBlock; at += kBusBlock) {
       LogWrite("Write position to FPGA,",
-               driver->FPGAC5_WriteDataBlock(0, 0, kPositionBus + offset + at, kBusBlock,
-                                             block.data() + at));
+               WritePositions(offset + at, std::span(block).subspan(at, kBusBlock)));
     }
   }
 }
 
 // The order in which the blocks of the number table go to the FPGA; the last one stays out.
-void SendNumbersToFpga() {
+void SendNumbersToFpga(std::span<const uint8_t> numbers) {
   constexpr std::size_t kOrder[] = {0, 1, 3, 2};
-  std::array<uint8_t, kNumberSize> numbers;
-  NumberPartPara.read(0, numbers);
   for (const std::size_t index : kOrder) {
     const NumberBlock& block = kNumberBlocks[index];
     LogWrite("Write number to FPGA,",
-             DriverUtil::getInstance()->FPGAC5_WriteDataBlock(0, 0, block.bus, block.length,
-                                                              numbers.data() + block.offset));
+             WriteNumbers(block.offset, numbers.subspan(block.offset, block.length), block,
+                          block.length));
   }
 }
 
@@ -191,11 +178,12 @@ void RestoreNumbers(Data_Global* data) {
   MCUC_LOG(kLogInfo, "Restore number para to FPGA");
   DriverUtil* driver = DriverUtil::getInstance();
   std::array<uint8_t, kNumberSize> numbers;
-  const int32_t result = driver->ReadBytesFromFlash(flash::kNumber, numbers.size(), numbers.data());
-  LogWrite("Read from flash,", result);
-  if (result == 0) NumberPartPara.write(0, numbers);
+  NumberPartPara.read(0, numbers);  // stays where it can't be read
+  LogWrite("Read from flash,",
+           driver->ReadBytesFromFlash(flash::kNumber, numbers.size(), numbers.data()));
+  NumberPartPara.write(0, numbers);
   if (data->FpgaOnlineFlag != 1) return;
-  SendNumbersToFpga();
+  SendNumbersToFpga(numbers);
   driver->FPGAC5_WriteOneWord(0, 0, feature::kOutput, 0);
   data->SendParameterReg[feature::kOutput] = feature::kOutputOpen;
   WriteByteToFlash(flash::kScreenChanges, 0);
@@ -205,7 +193,10 @@ void RestoreNumbers(Data_Global* data) {
 void RestoreNormal(Data_Global* data) {
   CorrectImage(data);
   const bool online = data->FpgaOnlineFlag == 1;
-  if (online) SendImageToFpga(*data);
+  if (online) {
+    LogWrite("Restore Feature FPGA Space ok !", data->SendFeatureImage());
+    RestoreBypass(*data);
+  }
   factory_flag = 0;
   ReadConfigStatus(data);
   MCUC_LOG(kLogInfo, "=======Recover software LED configure when boot ! LEDConfigStatus = "
@@ -241,7 +232,7 @@ void Data_Global::RestoreFPGA() {
            "============================== Begin Restore FPGA ===============================");
   std::array<uint8_t, feature::kSize> image{};
   RestoreDataFromFlash(kRestoreFeature, image);
-  SendParameterReg.write(0, image);
+  LoadFeatureImage(image);
   RebootRF = EN_NOT_REBOOT;
   BootRecover();
   if (IsFirstBoot()) {

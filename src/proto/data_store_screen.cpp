@@ -136,15 +136,26 @@ int32_t Data_Global::RefreshFromFeatureBus(uint32_t offset, uint32_t length) {
   length = std::min(length, feature::kSize);
   const CMutexGuardT guard(m_featureBus);
   const int32_t result = DriverUtil::getInstance()->ReadFPGABusBlock(offset, bytes.data(), length);
-  if (result >= 0) SendParameterReg.write(offset, {bytes.data(), length});
+  if (result >= 0 && !m_imageAhead) SendParameterReg.write(offset, {bytes.data(), length});
   return result;
 }
 
-void Data_Global::SendLayoutOfImage() {
-  constexpr uint32_t kLayoutBytes = 0x1AE;
-  const auto bytes = SendParameterReg.snapshot<kLayoutBytes>(feature::kBusPage);
-  // What fails is logged below; the image stays, so a later block brings the FPGA in line.
-  DriverUtil::getInstance()->WriteFPGABusBlock(feature::kBusPage, bytes.data(), bytes.size());
+void Data_Global::LoadFeatureImage(std::span<const uint8_t, feature::kSize> image) {
+  const CMutexGuardT guard(m_featureBus);
+  SendParameterReg.write(0, image);
+  m_imageAhead = FpgaOnlineFlag == 1;
+}
+
+int32_t Data_Global::SendFeatureImage() {
+  const CMutexGuardT guard(m_featureBus);
+  return SendImageBlock(feature::kBusEnd - feature::kBusPage);
+}
+
+int32_t Data_Global::SendImageBlock(uint32_t length) {
+  const auto bytes =
+      SendParameterReg.snapshot<feature::kBusEnd - feature::kBusPage>(feature::kBusPage);
+  m_imageAhead = false;
+  return DriverUtil::getInstance()->WriteFPGABusBlock(feature::kBusPage, bytes.data(), length);
 }
 
 void Data_Global::PortWidthUpdate(uint8_t port, uint16_t value) {

@@ -4,6 +4,7 @@
 #include <memory>
 #include <new>
 
+#include "driverutil.h"
 #include "mcucstdout.h"
 #include "mcuctrace.h"
 #include "stub/stubutil.h"
@@ -88,12 +89,40 @@ JSHL_Type_e Dispatch(QMB_proto3rd* msg, SpaceOperation read, SpaceOperation writ
   }
 }
 
+namespace {
+
+void LogRangeFault(const QMB_proto3rd& msg, const char* operation) {
+  MCUC_LOG(kLogError, "=== " << operation << " ===Invalid addr+len, return! address = "
+                             << CTrace::hex << msg.proto.m_uiRegisterUnitAddress);
+}
+
+}  // namespace
+
 bool InRange(const SpaceNames& names, const QMB_proto3rd& msg, uint32_t size,
              const char* operation) {
   if (Offset(names, msg) + msg.proto.m_usValidDataLength <= size) return true;
-  MCUC_LOG(kLogError, "=== " << operation << " ===Invalid addr+len, return! address = "
-                             << CTrace::hex << msg.proto.m_uiRegisterUnitAddress);
+  LogRangeFault(msg, operation);
   return false;
+}
+
+bool FlashTakes(const QMB_proto3rd& msg, FlashOwner owner, uint32_t address,
+                const char* operation) {
+  const auto length = static_cast<uint32_t>(msg.proto.m_data.size());
+  if (FlashWriteAllowed(owner, address, length)) return true;
+  LogRangeFault(msg, operation);
+  return false;
+}
+
+JSHL_Type_e ReplyFromFlash(QMB_proto3rd* msg, uint32_t address, const char* failure) {
+  std::vector<uint8_t> bytes(msg->proto.m_usValidDataLength);
+  const int32_t result = DriverUtil::getInstance()->ReadBytesFromFlash(
+      address, static_cast<uint32_t>(bytes.size()), bytes.data());
+  if (result != 0) {
+    MCUC_LOG(kLogError, failure << result);
+    return JSHL_TYPE_NG;
+  }
+  msg->proto.m_data = std::move(bytes);
+  return JSHL_OK;
 }
 
 void Reply(QMB_proto3rd* msg, std::span<const uint8_t> bytes) {

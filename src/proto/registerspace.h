@@ -10,6 +10,7 @@
 #include <span>
 
 #include "mcucsingleton.h"
+#include "proto/calc_flashmap.h"
 #include "proto/registerspace_names.h"
 #include "stub/mcucmessagestruct.h"
 #include "stub/mcuprocessdatablock.h"
@@ -92,6 +93,14 @@ inline uint32_t Offset(const SpaceNames& names, const QMB_proto3rd& msg) {
 // the caller answers with JSHL_invalidAddrLen and does nothing.
 bool InRange(const SpaceNames& names, const QMB_proto3rd& msg, uint32_t size,
              const char* operation);
+
+// Whether a write of the request's data to flash address `address` stays inside the store and
+// touches nobody else's bytes; if not, as `InRange`.
+bool FlashTakes(const QMB_proto3rd& msg, FlashOwner owner, uint32_t address, const char* operation);
+
+// Makes the flash bytes from `address`, as many as the request asks for, the data of the reply. -1
+// and no data, logged in the words `failure`, where they can't be read.
+JSHL_Type_e ReplyFromFlash(QMB_proto3rd* msg, uint32_t address, const char* failure);
 
 // Makes `bytes` the data of the reply.
 void Reply(QMB_proto3rd* msg, std::span<const uint8_t> bytes);

@@ -1,12 +1,22 @@
 #include "proto/tshl_ctl.h"
 
 #include "mcuctrace.h"
+#include "proto/addr_backupinforegister.h"
 #include "proto/addr_cabinetrotationregister.h"
+#include "proto/addr_cardprogmaspaceregister.h"
+#include "proto/addr_cmdregister.h"
 #include "proto/addr_coordinatescanboardregister.h"
+#include "proto/addr_edidspaceregister.h"
 #include "proto/addr_featureregister.h"
+#include "proto/addr_hardwarebrightnessadjust.h"
+#include "proto/addr_hwbasicinforegister.h"
+#include "proto/addr_intelligentbrightnessregister.h"
 #include "proto/addr_numberfuncardportregister.h"
 #include "proto/addr_plugincardinforegister.h"
+#include "proto/addr_rvconfigfilespace.h"
+#include "proto/addr_screeninfoechoregister.h"
 #include "proto/addr_shortcutconfigscreenregister.h"
+#include "proto/addr_softwaretableregister.h"
 #include "proto/addr_testprinfregister.h"
 
 namespace ZEPH_MCUC {
@@ -26,13 +36,23 @@ constexpr TopEntry Entry() {
 
 // The spaces in the order of the top table.
 constexpr TopEntry kEntries[] = {
+    Entry<Addr_HwBasicInfoRegister, kHwBasicInfoSpace>(),
     Entry<Addr_PluginCardInfoRegister, kPluginCardInfoSpace>(),
+    Entry<Addr_CMDRegister, kCommandSpace>(),
     Entry<Addr_FeatureRegister, kFeatureSpace>(),
+    Entry<Addr_ScreenInfoEchoRegister, kScreenInfoEchoSpace>(),
+    Entry<Addr_BackupInfoRegister, kBackupInfoSpace>(),
+    Entry<Addr_IntelligentBrightnessRegister, kIntelligentBrightnessSpace>(),
     Entry<Addr_CabinetRotationRegister, kCabinetRotationSpace>(),
     Entry<Addr_ShortcutConfigScreenRegister, kShortcutConfigScreenSpace>(),
     Entry<Addr_CoordinateScanBoardRegister, kCoordinateScanBoardSpace>(),
     Entry<Addr_NumberFunCardPortRegister, kNumberFunCardPortSpace>(),
+    Entry<Addr_SoftwareTableRegister, kSoftwareTableSpace>(),
+    Entry<Addr_EDIDSpaceRegister, kEDIDSpace>(),
+    Entry<Addr_HardWareBrightnessAdjust, kBrightnessSpace>(),
     Entry<Addr_TestPrinfRegister, kTestPrinfSpace>(),
+    Entry<Addr_RVConfigFileSpace, kRVConfigFileSpace>(),
+    Entry<Addr_CardProgmaSpaceRegister, kCardProgmaSpace>(),
 };
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include "mcuctrace.h"
+#include "process/proc_poll.h"
 #include "process/tprocess.h"
 #include "process/tprocess_ctl.h"
 #include "proto/data_common.h"
@@ -70,7 +71,7 @@ void McuQMBThread::PollingPass() {
       Control<&Tprocess_ctl::SendFiberToNetStatustoOWD>,
       Control<&Tprocess_ctl::SendFiberCopyStatustoOWD>,
       Control<&Tprocess_ctl::SendGenLockLinktoOWD>,
-      // The brightness ticks stand here.
+      Proc_Poll::AutoBrightnessadjust,
       Control<&Tprocess_ctl::SendRecvCardParaToOwdByLinkChange>,
   };
   Tprocess_ctl::getInstance()->RebootAfterRF();

@@ -1,5 +1,7 @@
 #include "stub/mcucmessagestruct_layout.h"
 
+#include <array>
+
 namespace ZEPH_MCUC {
 namespace {
 
@@ -8,9 +10,20 @@ constexpr int32_t kSumStart = 2;  // the tag is not covered
 
 }  // namespace
 
+// Sixteen sums side by side, which compilers turn into vector additions. Each wraps at 16 bits, as
+// the sum of them does, so none can overflow.
 uint16_t FrameSum(const uint8_t* p, int32_t count) {
+  std::array<uint16_t, 16> lanes{};
+  constexpr auto kLanes = static_cast<int32_t>(lanes.size());
+  int32_t at = 0;
+  for (; at + kLanes <= count; at += kLanes) {
+    for (std::size_t i = 0; i < lanes.size(); ++i) {
+      lanes[i] = static_cast<uint16_t>(lanes[i] + p[static_cast<std::size_t>(at) + i]);
+    }
+  }
   uint32_t sum = kSumSeed;
-  for (int32_t i = 0; i < count; ++i) sum += p[i];
+  for (; at < count; ++at) sum += p[at];
+  for (const uint16_t lane : lanes) sum += lane;
   return static_cast<uint16_t>(sum);
 }
 

@@ -42,6 +42,7 @@ StubUtil::Wiring DaemonWiring() {
     return Tprocess_ctl::getInstance()->onProcessDealwith(block);
   };
   wiring.silent = [] { return Data_Global::getInstance()->ReceivePathSilent(); };
+  wiring.selfTestOn = [] { return Data_Global::getInstance()->RWFPGATestflag == 1; };
   return wiring;
 }
 
@@ -51,10 +52,13 @@ bool StubUtil::initialize() {
   wire(DaemonWiring());
   if (FPGA_UDP_Init() < 0) MCUC_LOG(kLogError, "=== udp_port_init === fail!!!!");
   mbus_init(TaskId(cardsel_bit_self(), task::kQuivord), 0);  // the platform says what went wrong
-  Data_Global::getInstance()->RestoreFPGA();  // the image; the FPGA's turn comes once it has loaded
-  SetEnvQuivordVerToRootfs();                 // without a version the start goes on
+  Data_Global* global = Data_Global::getInstance();
+  global->SNTransfer();
+  global->ReadHardwareInfo();
+  global->RestoreFPGA();       // the image; the FPGA's turn comes once it has loaded
+  SetEnvQuivordVerToRootfs();  // without a version the start goes on
   // The queue comes before reception: a request that arrives early finds it.
-  const bool complete = creatProcess() && creatQMBComm();
+  const bool complete = creatProcess() && creatQMBComm() && creatFpgaReport();
   if (!complete) return false;
   MCUC_LOG(kLogInfo,
            "================================= Finish main init ==============================");

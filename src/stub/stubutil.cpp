@@ -12,12 +12,17 @@ StubUtil* StubUtil::getInstance() {
 void StubUtil::wire(const Wiring& wiring) {
   m_wiring = wiring;
   m_McuProcessThreadPtr = std::make_shared<McuProcessThread>(wiring.job);
+  m_FpgaReportThreadPtr = std::make_shared<FpgaReportThread>(wiring.selfTestOn);
   m_McuQMBThreadPtr = std::make_shared<McuQMBThread>(
       [](QMB_proto3rd* msg) { return getInstance()->onDataRecvFromQMBNew(msg); }, wiring.silent);
 }
 
 bool StubUtil::creatProcess() {
   return m_McuProcessThreadPtr != nullptr && m_McuProcessThreadPtr->Init() == 0;
+}
+
+bool StubUtil::creatFpgaReport() {
+  return m_FpgaReportThreadPtr != nullptr && m_FpgaReportThreadPtr->Init() == 0;
 }
 
 bool StubUtil::creatQMBComm() {

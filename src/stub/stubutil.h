@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "mcucmutex.h"
+#include "stub/fpgareportthread.h"
 #include "stub/mcucmessagestruct.h"
 #include "stub/mcuprocessthread.h"
 #include "stub/mcuqmbthread.h"
@@ -23,6 +24,7 @@ class StubUtil {
     std::array<RequestEntry, 5> request{};
     McuProcessThread::JobEntry job = nullptr;
     McuQMBThread::SilentEntry silent = nullptr;
+    FpgaReportThread::TestEntry selfTestOn = nullptr;
   };
 
   static StubUtil* getInstance();
@@ -54,12 +56,14 @@ class StubUtil {
  private:
   bool creatQMBComm();
   bool creatProcess();
+  bool creatFpgaReport();
   bool checkSelfDeviceRequestNew(QMB_proto3rd* msg);
 
   CMutexThread m_stubMenux;  // one request at a time
   Wiring m_wiring;           // fixed once the threads run
   std::shared_ptr<McuQMBThread> m_McuQMBThreadPtr;
   std::shared_ptr<McuProcessThread> m_McuProcessThreadPtr;
+  std::shared_ptr<FpgaReportThread> m_FpgaReportThreadPtr;
   uint8_t m_DeviceSequseID = 0;  // this device's address in the third protocol
 };
 

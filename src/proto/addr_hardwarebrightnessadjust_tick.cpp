@@ -1,0 +1,240 @@
+// What the ticks of the polling loop do for the plan in force.
+#include <algorithm>
+
+#include "mcuctrace.h"
+#include "proto/addr_hardwarebrightnessadjust.h"
+#include "proto/calc_brightness_lux.h"
+#include "proto/calc_brightness_watchdog.h"
+
+namespace ZEPH_MCUC {
+
+using Brightness = Addr_HardWareBrightnessAdjust;
+
+namespace {
+
+using brightness::WatchAction;
+
+constexpr u8 kReadingsOfSensorMode = 6;  // for one average
+constexpr u8 kFaultsBorne = 2;           // failed readings in a row, in the mix
+constexpr int kRampStep_ms = 50;
+constexpr u8 kDone = 1;  // what the sensor functions give
+constexpr u8 kAveraged = 0;
+
+// Marks the armed node as due where the clock has reached it and `plan` is in force.
+void TakeArrival(const Brightness::Flag& plan) {
+  if (!Brightness::RtcIntOccurArrived || !plan) return;
+  Brightness::RtcIntOccurArrived = DISABLE;
+  Brightness::ProgrammableAdjustArrived = ENABLE;
+}
+
+// Brings the mix to `percent`, by a ramp where it has a value to start from.
+void GoTo(u8 percent) {
+  const u8 value = brightness::FromPercent(percent);
+  if (Brightness::MixBriAdjOccured != 0) {
+    Brightness::SmartAdjustGlobalBrightness(brightness::kAllPorts, Brightness::LastGlobalBri, value,
+                                            kRampStep_ms);
+  } else {
+    Brightness::SendBrightness(brightness::kAllPorts, value);
+  }
+  Brightness::MixBriAdjOccured = 1;
+  Brightness::LastGlobalBri = value;
+}
+
+void ArriveAtSensorNode() {
+  Brightness::BriBroadcastEnable = DISABLE;
+  Brightness::MixAutoBriAdjustEnable = ENABLE;
+  Brightness::AutoBrightnessAdjustCnt = 0;
+  Brightness::SensorReadTimeCnt = 0;
+  Brightness::BriBroadcastArrived = DISABLE;
+}
+
+void ArriveAtFixedNode(const brightness::MixNode& node) {
+  Brightness::MixAutoBriAdjustEnable = DISABLE;
+  Brightness::AutoBrightnessAdjustCnt = 0;
+  GoTo(node.percent);
+  Brightness::BriBroadcastCnt = 0;
+  Brightness::BriBroadcastEnable = ENABLE;
+  Brightness::BriBroadcastArrived = DISABLE;
+}
+
+bool MixRuns() { return Brightness::MixBrightnessAdjustEnable && Brightness::MixBriAdjustControl; }
+
+// A node that doesn't apply today leaves the screen as it is, and the ring moves on.
+void ArriveInMix() {
+  TakeArrival(Brightness::MixBrightnessAdjustEnable);
+  if (!Brightness::ProgrammableAdjustArrived || !MixRuns()) return;
+  Brightness::ProgrammableAdjustArrived = DISABLE;
+  const auto index = static_cast<uint32_t>(static_cast<int>(Brightness::RtcIndex));
+  const auto node = brightness::ReadNode(Brightness::ReadArea, Brightness::TimeNodeBaseAddr, index);
+  if (node.state != brightness::TableState::kThere) {
+    Brightness::LogAbsent("node that is due", node.state);
+  } else if (brightness::AppliesAtArrival(node.table, Brightness::Now())) {
+    node.table.sensor ? ArriveAtSensorNode() : ArriveAtFixedNode(node.table);
+  }
+  Brightness::InsertInterruptTimeToQueue(1);
+}
+
+// The average of the first `count` readings collected so far, which it uses up.
+u8 AverageOfReadings(u8 count, u16& average) {
+  std::array<u16, brightness::mix::kMostReadings> readings{};
+  for (u8 i = 0; i < count; ++i) readings[i] = Brightness::AutoBrightnessReadValTable[i];
+  Brightness::AutoBrightnessAdjustCnt = 0;
+  return Brightness::SortAndAverage(readings.data(), count, average);
+}
+
+// Where the next reading goes. The table is as long as the longest average.
+u8 NextSlot() {
+  const u8 slot = Brightness::AutoBrightnessAdjustCnt;
+  return slot < brightness::mix::kMostReadings ? slot : 0;
+}
+
+u8 ReadingsOfMix() { return std::max<u8>(Brightness::SensorReadTimes, 1); }
+
+void TakeReading(u8 slot, u16 lux) {
+  Brightness::SensorReadFaultCnt = 0;
+  Brightness::AutoBrightnessReadValTable[slot] = lux;
+  const auto count = static_cast<u8>(slot + 1);
+  Brightness::AutoBrightnessAdjustCnt = count;
+  if (count < ReadingsOfMix()) return;
+  u16 average = 0;
+  u8 percent = 0;
+  if (AverageOfReadings(count, average) == kAveraged &&
+      Brightness::MixAdjLuxToBriLookupTable(average, percent) == kDone) {
+    GoTo(percent);
+  }
+}
+
+void MissReading(u8 slot) {
+  auto& readings = Brightness::AutoBrightnessReadValTable;
+  const auto next = static_cast<u8>(slot + 1 < ReadingsOfMix() ? slot + 1 : 0);
+  // Nothing that an earlier average left in the table may count in place of what was missed.
+  readings[slot] = brightness::kNoReading;
+  readings[next] = brightness::kNoReading;
+  Brightness::AutoBrightnessAdjustCnt = next;
+  const auto faults = static_cast<u8>(Brightness::SensorReadFaultCnt + 1);
+  Brightness::SensorReadFaultCnt = faults;
+  if (faults <= kFaultsBorne) return;
+  Brightness::SensorReadFaultCnt = 0;
+  Brightness::AutoBrightnessAdjustCnt = 0;
+  u8 percent = 0;
+  if (Brightness::MixAdjFallback(percent) == kDone) GoTo(percent);
+}
+
+void ReadSensorsInMix() {
+  if (!Brightness::AutoBrightnessAdjustArrived || !Brightness::MixAutoBriAdjustEnable ||
+      !Brightness::MixBriAdjustControl) {
+    return;
+  }
+  const u8 slot = NextSlot();
+  u16 lux = 0;
+  if (Brightness::GetMixAdjAverageLux(lux) == kDone) {
+    TakeReading(slot, lux);
+  } else {
+    MissReading(slot);
+  }
+  Brightness::AutoBrightnessAdjustArrived = DISABLE;
+}
+
+// A card that was plugged in since a fixed brightness was sent learns it.
+void RepeatInMix() {
+  if (!Brightness::BriBroadcastArrived) return;
+  Brightness::BriBroadcastArrived = DISABLE;
+  if (MixRuns()) Brightness::SendBrightness(brightness::kAllPorts, Brightness::LastGlobalBri);
+}
+
+void TellCards(uint8_t screen) {
+  Brightness::NewSendReceiveCardPara(brightness::kCardScreen, brightness::kAllPorts,
+                                     brightness::kAllBoards, 1, &screen);
+}
+
+void StartMixInstead() {
+  Brightness::MixBrightnessAdjustEnable = ENABLE;
+  Brightness::BrightnessAdjustInit();
+}
+
+void Act(WatchAction action) {
+  switch (action) {
+    case WatchAction::kShowScreen:
+      MCUC_LOG(kLogInfo, "=============== SeiralComErrorProcess TimeOut Black==================");
+      TellCards(brightness::kScreenShown);
+      break;
+    case WatchAction::kLoseScreen:
+      TellCards(brightness::kScreenLost);
+      break;
+    case WatchAction::kStopMix:
+      MCUC_LOG(kLogInfo, "=============== SeiralComErrorProcess TimeOut DISABLE==================");
+      Brightness::MixBrightnessAdjustEnable = DISABLE;
+      Brightness::MixAutoBriAdjustEnable = DISABLE;
+      break;
+    case WatchAction::kStartMix:
+      MCUC_LOG(kLogInfo, "=============== SeiralComErrorProcess Adj==================");
+      StartMixInstead();
+      break;
+    case WatchAction::kStartMixAtBoot:
+      MCUC_LOG(kLogInfo, "=============== SeiralComErrorProcess TimeOut Adjust ==================");
+      StartMixInstead();
+      break;
+    case WatchAction::kNone:
+      break;
+  }
+}
+
+}  // namespace
+
+void Brightness::TimeToOver_Handler() {
+  const auto look = brightness::LookAtArmed(INT_Once, TimeIntHour, TimeIntMin, Now());
+  INT_Once = look.state;
+  if (look.met) {
+    MCUC_LOG(kLogInfo,
+             "*********************** Brightness TIME INT Comming ***********************");
+  }
+  if (!look.reached) return;
+  MCUC_LOG(kLogInfo,
+           "**********************Brightness Times Gone Node:" << static_cast<int>(RtcIndex));
+  RtcIntOccurArrived = ENABLE;
+}
+
+void Brightness::ProgrammableBrightnessAdjust() {
+  TakeArrival(ProgrammableAdjustEnable);
+  if (!ProgrammableAdjustArrived || !ProgrammableAdjustEnable) return;
+  ProgrammableAdjustArrived = DISABLE;
+  ApplyListNode(static_cast<std::size_t>(static_cast<int>(RtcIndex)));
+  InsertInterruptTimeToQueue(0);
+}
+
+void Brightness::AutoBrightnessAdjust() {
+  if (!AutoBrightnessAdjustArrived || !AutoBrightnessAdjustEnable) return;
+  const u8 slot = NextSlot();
+  u16 lux = 0;
+  if (GetAverageLuxOneTime(lux) == kDone) {
+    AutoBrightnessReadValTable[slot] = lux;
+    AutoBrightnessAdjustCnt = static_cast<u8>(slot + 1);
+    u8 value = 0;
+    if (slot + 1 >= kReadingsOfSensorMode &&
+        AverageOfReadings(kReadingsOfSensorMode, lux) == kAveraged &&
+        LuxToBrightnessLookupTable(lux, value) == kDone) {
+      SendBrightness(brightness::kAllPorts, value);
+    }
+  }
+  AutoBrightnessAdjustArrived = DISABLE;
+}
+
+void Brightness::MixBrightnessAdjust() {
+  ArriveInMix();
+  ReadSensorsInMix();
+  RepeatInMix();
+}
+
+void Brightness::SeiralComErrorProcess() {
+  using brightness::Watch;
+  const bool alive = DevComLinkState != 0;
+  const Watch watch = SerialCtrlScreenBlackEnable ? Watch::kCards
+                      : HardwareCtrlAdjustEnable  ? Watch::kMix
+                                                  : Watch::kNobody;
+  const auto step = brightness::StepWatch(watch, alive, TIM2_PeriodCnt, UartDiscOvertime);
+  TIM2_PeriodCnt = step.silent_s;
+  Act(step.action);
+  if (alive) DevComLinkState = 0;
+}
+
+}  // namespace ZEPH_MCUC

@@ -1,0 +1,244 @@
+// The daemon on its bus: what peers send, in good order and in bad, and what comes back.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "stub/mcucmessagestruct_layout.h"
+#include "support/board_kit.h"
+#include "support/daemon.h"
+#include "support/inprocess.h"
+#include "support/raw_peer.h"
+#include "support/run.h"
+
+namespace {
+
+using namespace ZEPH_MCUC;
+using inprocess::Bytes;
+using support::RawPeer;
+using Data = std::vector<uint8_t>;
+
+// A frame as a client makes it, with a right sum.
+struct Frame {
+  uint8_t destination = 0;
+  uint8_t device = 0;
+  uint8_t code = 0;
+  uint32_t address = 0;
+  uint16_t length = 0;
+  Data data = {};
+  uint16_t sumFault = 0;
+
+  Data Packet() const {
+    Data bytes(18 + data.size() + 2);
+    DWQ_ENCWD(&bytes[0], 0xAA55);
+    bytes[5] = destination;
+    bytes[6] = device;
+    bytes[10] = code;
+    DWQ_ENCDW(&bytes[12], address);
+    DWQ_ENCWD(&bytes[16], length);
+    std::copy(data.begin(), data.end(), bytes.begin() + 18);
+    uint16_t sum = 0x5555;
+    for (std::size_t i = 2; i < bytes.size() - 2; ++i) sum = static_cast<uint16_t>(sum + bytes[i]);
+    DWQ_ENCWD(&bytes[bytes.size() - 2], static_cast<uint16_t>(sum + sumFault));
+    return bytes;
+  }
+};
+
+struct Labels {
+  uint16_t small = LABEL_MSG_LOCAL;
+  uint16_t large = LABEL_MSG;
+};
+
+Data Message(uint32_t tag, const Data& frame, Labels labels = {},
+             std::optional<uint32_t> size = std::nullopt) {
+  Data packet = support::Message(frame, 0, tag, size);
+  DWQ_ENCWD(&packet[20], labels.small);
+  DWQ_ENCWD(&packet[22], labels.large);
+  return packet;
+}
+
+constexpr uint32_t kTestCell = 0xF0400000;
+constexpr uint32_t kGoodTag = 0x600D;
+
+// Asks for a register: the reply to that and to nothing before it, since a peer's messages keep
+// their order.
+void ExpectAnswer(RawPeer& peer) {
+  ASSERT_TRUE(peer.Send(Message(kGoodTag, Frame{.address = kTestCell, .length = 4}.Packet())));
+  const Data reply = peer.Receive().value_or(Data{});
+  ASSERT_EQ(reply.size(), 28U + 24U);
+  EXPECT_EQ(DWQ_DECDW(&reply[16]), kGoodTag);
+  EXPECT_EQ(reply[28 + 2], 0);
+}
+
+class Bus : public testing::Test {
+ protected:
+  void Start(std::vector<std::string> arguments = {}) {
+    daemon_ = std::make_unique<support::Daemon>(
+        support::Daemon::Options{.board = board_kit::Named(), .arguments = std::move(arguments)});
+    ASSERT_TRUE(daemon_->WaitUntilItAnswers()) << daemon_->OutputText();
+  }
+  static RawPeer Connect(uint32_t id) { return {board_kit::Named(), id}; }
+  ~Bus() override { std::filesystem::remove(board_kit::Named().string() + ".output"); }
+
+  std::unique_ptr<support::Daemon> daemon_;
+};
+
+TEST_F(Bus, ReplyIsPinnedByteForByte) {
+  Start();
+  RawPeer peer = Connect(0x007F1234);
+  ASSERT_TRUE(
+      peer.Send(Bytes("FFFFFFFF 07000000 08000000 09000000 0A000000 0100 1C00 18000000"
+                      "55AA 00000000 0000 0000 0100 000040F0 0400 11223344 3457")));
+  EXPECT_EQ(peer.Receive(), Bytes("34127F00 07000000 08000000 00000000 0A000000 0100 1C00 14000000"
+                                  "AA55 00000000 0000 0000 0100 000040F0 0000 8656"));
+  ASSERT_TRUE(
+      peer.Send(Bytes("00000000 00000000 00000000 00000000 00000000 0000 1C00 14000000"
+                      "55AA 00000000 0000 0000 0000 000040F0 0400 8956")));
+  EXPECT_EQ(peer.Receive(), Bytes("34127F00 00000000 00000000 00000000 00000000 0000 1C00 18000000"
+                                  "AA55 00000000 0000 0000 0000 000040F0 0400 11223344 3357"));
+}
+
+struct Case {
+  const char* name;
+  Data packet;
+  std::optional<uint8_t> ack;  // none: no reply
+  std::size_t bytes = 0;       // that the reply carries
+};
+
+std::vector<Case> Cases() {
+  const Frame read{.address = kTestCell, .length = 4};
+  const Data good = read.Packet();
+  const auto write = [](uint16_t length, std::size_t bytes) {
+    return Message(
+        1,
+        Frame{.code = 1, .address = kTestCell, .length = length, .data = Data(bytes, 5)}.Packet());
+  };
+  Data garbage(1000);
+  for (std::size_t i = 0; i < garbage.size(); ++i) garbage[i] = static_cast<uint8_t>(i * i * 7 + 3);
+  return {
+      {"garbage", garbage, {}},
+      {"half an envelope", Data(14), {}},
+      {"no frame", Message(1, {}), {}},
+      {"19 bytes of frame", Message(1, Data(19)), {}},
+      {"a label that promises more", Message(1, good, {}, 2000), {}},
+      {"a label that promises less", Message(1, good, {}, 19), {}},
+      {"a label of 4 GiB", Message(1, good, {}, 0xFFFFFFFF), {}},
+      {"large label of somebody else", Message(1, good, {.large = 27}), {}},
+      {"small label 2", Message(1, good, {.small = 2}), {}},
+      {"small label 3", Message(1, good, {.small = 3}), {}},
+      {"small label 4", Message(1, good, {.small = 4}), {}},
+      {"small label 1", Message(1, good, {.small = 1}), 0, 4},
+      {"zeros", Message(1, Data(20)), 2},
+      {"a read with 65516 bytes behind it",
+       Message(1, Frame{.address = kTestCell, .length = 4, .data = Data(65516)}.Packet()), 0, 4},
+      {"65537 bytes of frame", Message(1, Data(65537)), {}},
+      {"wrong sum", Message(1, Frame{.address = kTestCell, .sumFault = 1}.Packet()), 2},
+      {"wrong sum, destination 5",
+       Message(1, Frame{.destination = 5, .address = kTestCell, .sumFault = 1}.Packet()), 2},
+      {"destination 5",
+       Message(1, Frame{.destination = 5, .address = kTestCell, .length = 4}.Packet()), 0, 4},
+      {"device type 9", Message(1, Frame{.device = 9, .address = kTestCell, .length = 4}.Packet()),
+       0},
+      {"operation 9", Message(1, Frame{.code = 9, .address = kTestCell, .length = 4}.Packet()), 0},
+      {"a write that promises more", write(200, 199), 5},
+      {"a write of 64 KiB", write(65516, 65516), 4},
+      {"a write with more than promised", write(1, 300), 0},
+  };
+}
+
+TEST_F(Bus, BadRequestsHurtNobody) {
+  Start();
+  RawPeer other = Connect(0x7F0002);
+  for (const Case& c : Cases()) {
+    SCOPED_TRACE(c.name);
+    RawPeer peer = Connect(0x7F0001);
+    ASSERT_TRUE(peer.Send(c.packet));
+    if (c.ack.has_value()) {
+      const Data reply = peer.Receive().value_or(Data{});
+      ASSERT_EQ(reply.size(), 28 + 20 + c.bytes);
+      EXPECT_EQ(DWQ_DECDW(&reply[12]), *c.ack) << "result in the envelope";
+      EXPECT_EQ(reply[28 + 2], *c.ack) << "ack in the frame";
+      EXPECT_EQ(DWQ_DECDW(&reply[16]), 1U) << "tag";
+    }
+    ExpectAnswer(peer);
+    ExpectAnswer(other);
+  }
+  EXPECT_NE(daemon_->OutputText().find("Not this KVX7000's Msg, addr = 5 sequse id = 0"),
+            std::string::npos);
+}
+
+TEST_F(Bus, WrongRegistrationsEndTheConnection) {
+  Start();
+  for (const Data& registration : {Data(3), Data(5), Data(32), support::Registration(0x0A4200),
+                                   support::Registration(0x070400)}) {
+    RawPeer peer = Connect(0);
+    peer.Send(registration);
+    EXPECT_TRUE(peer.Ended());
+  }
+  RawPeer peer = Connect(0x7F0001);
+  ExpectAnswer(peer);
+}
+
+TEST_F(Bus, PeersThatAreSilentOrDoNotReadHoldUpNobody) {
+  Start();
+  RawPeer unregistered = Connect(0);
+  RawPeer silent = Connect(0x7F0002);
+  RawPeer deaf = Connect(0x7F0003);
+  const Data request = Message(1, Frame{.address = kTestCell, .length = 4000}.Packet());
+  int sent = 0;
+  while (sent < 3000 && deaf.TrySend(request)) ++sent;  // until nothing goes any more
+  EXPECT_GT(sent, 0);
+  RawPeer peer = Connect(0x7F0001);
+  for (int i = 0; i < 100; ++i) ExpectAnswer(peer);
+  ExpectAnswer(silent);
+}
+
+TEST_F(Bus, RepliesToOnePeerKeepTheirOrder) {
+  Start();
+  RawPeer peer = Connect(0x7F0001);
+  for (uint32_t tag = 1; tag <= 200; ++tag) {
+    const auto cell = static_cast<uint8_t>(tag);
+    const bool write = tag % 2 == 1;
+    const Frame frame = write ? Frame{.code = 1, .address = kTestCell, .length = 1, .data = {cell}}
+                              : Frame{.address = kTestCell, .length = 1};
+    ASSERT_TRUE(peer.Send(Message(tag, frame.Packet())));
+  }
+  for (uint32_t tag = 1; tag <= 200; ++tag) {
+    const Data reply = peer.Receive().value_or(Data{});
+    ASSERT_GE(reply.size(), 48U);
+    ASSERT_EQ(DWQ_DECDW(&reply[16]), tag);
+    if (tag % 2 == 1) continue;
+    ASSERT_EQ(reply[28 + 18], static_cast<uint8_t>(tag - 1));
+  }
+}
+
+TEST_F(Bus, SecondDaemonIsRefusedAndTheFirstGoesOn) {
+  Start();
+  const auto second = support::Run({support::Built("quivord"), "-disable"});
+  EXPECT_EQ(second.status, 1);
+  EXPECT_TRUE(second.err.starts_with("quivord: already running, stop that one first: "))
+      << second.err;
+  EXPECT_EQ(std::count(second.err.begin(), second.err.end(), '\n'), 1);
+  RawPeer peer = Connect(0x7F0001);
+  ExpectAnswer(peer);
+  daemon_->Kill();
+  Start();  // the lock and the socket of a daemon that was killed are in nobody's way
+  RawPeer again = Connect(0x7F0001);
+  ExpectAnswer(again);
+}
+
+TEST_F(Bus, StartsInItsOrder) {
+  board_kit::Configure("trace = shell env flash fpga bus\n");
+  Start({"-info"});
+  // The first line of each step, in the order in which they must come.
+  constexpr const char* kSteps[] = {
+      "shell 0 mkdir -p /log", "shell 0 mkdir -p /tmp/quivord", "flash R live 0x00a3b100 512 ok",
+      "env get ver_rootfs",    "env set ver_quivord V1.0.B1",   "bus > "};
+  const auto lines = board_kit::TraceLines();
+  auto at = lines.begin();
+  for (const char* step : kSteps) {
+    at = std::find_if(at, lines.end(), [&](const auto& line) { return line.starts_with(step); });
+    ASSERT_NE(at, lines.end()) << step;
+  }
+}
+
+}  // namespace

@@ -1,0 +1,208 @@
+// Frames pinned against literal bytes, both ways, and what the front end makes of faulty ones.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstring>
+#include <optional>
+#include <random>
+
+#include "stub/mcuqmbthread.h"
+#include "support/inprocess.h"
+
+namespace {
+
+using namespace ZEPH_MCUC;
+using inprocess::Bytes;
+
+// A request on the wire, what the handler appends to it, and the reply on the wire.
+struct Exchange {
+  const char* name;
+  const char* request;
+  const char* appended;
+  const char* reply;
+};
+
+constexpr Exchange kExchanges[] = {
+    {"a read", "55AA 00000000 0000 0000 0000 18000002 0400 7355", "11223344",
+     "AA55 00000000 0000 0000 0000 18000002 0400 11223344 1D56"},
+    {"a read that yields nothing", "55AA 00000000 0000 0000 0000 00000100 0100 5755", "",
+     "AA55 00000000 0000 0000 0000 00000100 0000 5655"},
+    {"tags the other way round", "AA55 00000000 0000 0000 0000 00000100 0100 5755", "",
+     "55AA 00000000 0000 0000 0000 00000100 0000 5655"},
+    {"all other fields come back as they are", "55AA 00010203 0405 0607 0009 08090A0B 0C0D B955",
+     "C1C2C3", "AA55 00010203 0405 0607 0009 08090A0B 0300 C1C2C3 E957"},
+    {"a write", "55AA 00000000 0000 0000 0100 341200F0 0300 C1C2C3 D558", "",
+     "AA55 00000000 0000 0000 0100 341200F0 0000 8C56"},
+    {"a write that wants its data back", "55AA 00000000 0000 0000 01FF 341200F0 0300 C1C2C3 D459",
+     "", "AA55 00000000 0000 0000 01FF 341200F0 0300 C1C2C3 D459"},
+};
+
+TEST(Frame, RequestsBecomeRepliesByteForByte) {
+  for (const Exchange& exchange : kExchanges) {
+    SCOPED_TRACE(exchange.name);
+    const auto request = Bytes(exchange.request);
+    const auto size = static_cast<int32_t>(request.size());
+    EXPECT_TRUE(MCUCMsg::Checkout(request.data(), size));
+    ThirdProtoMCUCMsg message;
+    ASSERT_EQ(message.Decode(request.data(), size), 0);
+    for (const uint8_t byte : Bytes(exchange.appended)) message.m_data.push_back(byte);
+    std::array<uint8_t, 64> buffer{};
+    const int32_t length = message.Encode(buffer.data(), buffer.size());
+    EXPECT_EQ(std::vector<uint8_t>(buffer.begin(), buffer.begin() + length), Bytes(exchange.reply));
+  }
+}
+
+TEST(Frame, DecodesEachFieldFromItsPlace) {
+  const auto bytes = Bytes("55AA EE010203 0405 0607 0109 08090A0B 0300 C1C2C3 1234");
+  ThirdProtoMCUCMsg message;
+  ASSERT_EQ(message.Decode(bytes.data(), static_cast<int32_t>(bytes.size())), 0);
+  const MCUCMsg expected(0xAA55, 0xEE, 1, 2, 3, 4, 5, 0x0706, 1, 0x0B0A0908);
+  EXPECT_EQ(message.m_usHeader, expected.m_usHeader);
+  EXPECT_EQ(message.m_ucAck, expected.m_ucAck);
+  EXPECT_EQ(message.m_ucLabels, expected.m_ucLabels);
+  EXPECT_EQ(message.m_ucSourceAddress, expected.m_ucSourceAddress);
+  EXPECT_EQ(message.m_ucDestinationAddrerss, expected.m_ucDestinationAddrerss);
+  EXPECT_EQ(message.m_ucDeviceType, expected.m_ucDeviceType);
+  EXPECT_EQ(message.m_ucPortAddress, expected.m_ucPortAddress);
+  EXPECT_EQ(message.m_usBoardAddress, expected.m_usBoardAddress);
+  EXPECT_EQ(message.m_ucCode, expected.m_ucCode);
+  EXPECT_EQ(message.m_uiRegisterUnitAddress, expected.m_uiRegisterUnitAddress);
+  EXPECT_EQ(message.m_ucReserved, 9);
+  EXPECT_EQ(message.m_usValidDataLength, 3);
+  EXPECT_EQ(message.m_data, Bytes("C1C2C3"));
+  EXPECT_EQ(message.m_usCheckout, 0x3412);
+}
+
+TEST(Frame, WhatIsTooShortIsNeitherReadNorWritten) {
+  const auto whole = Bytes(kExchanges[0].request);
+  ThirdProtoMCUCMsg message;
+  for (int32_t length = -1; length < 20; ++length) {
+    EXPECT_FALSE(MCUCMsg::Checkout(whole.data(), length)) << length;
+    EXPECT_EQ(message.Decode(whole.data(), length), -1) << length;
+  }
+  EXPECT_EQ(message.Decode(nullptr, 20), -1);
+  EXPECT_EQ(message.Encode(nullptr, 20), -1);
+  message.m_data.assign(4, 0xDD);
+  std::array<uint8_t, 24> buffer{};
+  EXPECT_EQ(message.Encode(buffer.data(), 23), -1);
+  EXPECT_EQ(buffer, (std::array<uint8_t, 24>{}));
+  EXPECT_EQ(message.Encode(buffer.data(), 24), 24);
+  message.m_data.assign(TP_SEND_BUFFER_LENGTH - 19, 0);
+  std::vector<uint8_t> large(TP_SEND_BUFFER_LENGTH);
+  EXPECT_EQ(message.Encode(large.data(), TP_SEND_BUFFER_LENGTH), -1);
+  message.m_data.pop_back();
+  EXPECT_EQ(message.Encode(large.data(), TP_SEND_BUFFER_LENGTH), TP_SEND_BUFFER_LENGTH);
+}
+
+TEST(Frame, SumStartsAtItsSeedAndWraps) {
+  struct Case {
+    uint8_t byte;
+    int32_t start, count;
+    uint16_t sum;
+  };
+  constexpr Case kCases[] = {{0xFF, 0, 0, 0x5555},     {0x01, 2, 3, 0x5558},
+                             {0xFF, 0, 172, 0x00A9},   {0xFF, 0, 65535, 0x5456},
+                             {0xFF, 7, 65529, 0x4E5C}, {0x80, 2, 1, 0x55D5}};
+  for (const Case& c : kCases) {
+    std::vector<uint8_t> bytes(65536, c.byte);
+    std::fill_n(bytes.begin(), c.start, uint8_t{0x77});  // in front of the start, not covered
+    uint16_t sum = 0;
+    MCUCMsg::CaculCheckout(bytes.data(), c.start, c.count, &sum);
+    EXPECT_EQ(sum, c.sum) << c.count << " bytes";
+  }
+}
+
+TEST(Frame, SumCoversEachByteButTheTag) {
+  std::minstd_rand random(20260101);
+  std::vector<uint8_t> bytes(200);
+  for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(random());
+  for (int32_t count = 0; count < 80; ++count) {
+    uint16_t slow = 0x5555;
+    for (int32_t i = 0; i < count; ++i) {
+      slow = static_cast<uint16_t>(slow + bytes[static_cast<std::size_t>(count + i)]);
+    }
+    uint16_t sum = 0;
+    MCUCMsg::CaculCheckout(bytes.data(), count, count, &sum);
+    EXPECT_EQ(sum, slow) << count << " bytes";
+  }
+  auto frame = Bytes(kExchanges[4].request);
+  for (std::size_t i = 0; i < frame.size(); ++i) {
+    frame[i] ^= 0x10;
+    EXPECT_EQ(MCUCMsg::Checkout(frame.data(), static_cast<int32_t>(frame.size())), i < 2) << i;
+    frame[i] ^= 0x10;
+  }
+}
+
+TEST(Frame, BaseClassHasNoFormOfItsOwn) {
+  MCUCMsg message;
+  std::array<uint8_t, 32> buffer{};
+  int32_t size = buffer.size();
+  EXPECT_EQ(message.Encode(buffer.data(), buffer.size()), static_cast<int32_t>(0x80005001));
+  EXPECT_EQ(message.Decode(buffer.data(), size), static_cast<int32_t>(0x80005001));
+}
+
+// What the front end hands on for a frame, or nothing.
+std::optional<QMB_proto3rd> g_handed;
+
+std::optional<QMB_proto3rd> HandOn(McuQMBThread* front, const std::vector<uint8_t>& frame,
+                                   uint32_t peer = 0x7F0001) {
+  const ihead_t head{peer, 7, 8, 9, 10};
+  const Flabel_t label{{LABEL_MSG_NET, LABEL_MSG}, static_cast<int32_t>(frame.size())};
+  g_handed.reset();
+  EXPECT_EQ(front->dealDataBlockNew(&head, &label, frame.data()), 0);
+  return g_handed;
+}
+
+McuQMBThread MakeFront() {
+  return McuQMBThread(
+      [](QMB_proto3rd* msg) {
+        g_handed = *msg;
+        return 0;
+      },
+      [] { return false; });
+}
+
+TEST(FrontEnd, MarksFaultyFramesAndDropsShortOnes) {
+  struct Case {
+    const char* name;
+    const char* frame;
+    std::optional<uint8_t> ack;
+    const char* data;
+  };
+  const Case kCases[] = {
+      {"whole", "55AA EE000000 0000 0000 0100 341200F0 0300 C1C2C3 C359", 0, "C1C2C3"},
+      {"wrong sum", "55AA 00000000 0000 0000 0100 341200F0 0300 C1C2C3 D658", 2, "C1C2C3"},
+      {"wrong sum for another device", "55AA 00000005 0000 0000 0000 18000002 0400 7355", 2, ""},
+      {"for another device", "55AA 00000005 0000 0000 0000 18000002 0400 7855", 0, ""},
+      {"fewer bytes than promised", "55AA 00000000 0000 0000 0100 341200F0 0400 C1C2C3 D658", 5,
+       "C1C2C3"},
+      {"more bytes than promised", "55AA 00000000 0000 0000 0100 341200F0 0200 C1C2C3 D458", 0,
+       "C1C2"},
+      {"19 bytes", "55AA 00000000 0000 0000 0000 18000002 0400 55", std::nullopt, ""},
+      {"one byte", "55", std::nullopt, ""},
+  };
+  McuQMBThread front = MakeFront();
+  for (const Case& c : kCases) {
+    SCOPED_TRACE(c.name);
+    const auto handed = HandOn(&front, Bytes(c.frame));
+    ASSERT_EQ(handed.has_value(), c.ack.has_value());
+    if (!handed.has_value()) continue;
+    EXPECT_EQ(handed->proto.m_ucAck, *c.ack);
+    EXPECT_EQ(handed->proto.m_data, Bytes(c.data));
+    const ipcHeaderInfo expected{0x7F0001, 7, 8, 9, 10, LABEL_MSG_NET, LABEL_MSG, 0};
+    EXPECT_EQ(std::memcmp(&handed->ipcHeader, &expected, sizeof expected), 0);
+  }
+  EXPECT_EQ(front.dealDataBlockNew(nullptr, nullptr, nullptr), static_cast<int32_t>(0x80005004));
+}
+
+TEST(FrontEnd, KnowsEachPeerThatAskedOnce) {
+  McuQMBThread front = MakeFront();
+  const auto frame = Bytes(kExchanges[0].request);
+  for (const uint32_t peer : {0x7F0001U, 0x0A3900U, 0x7F0002U, 0x7F0001U}) {
+    HandOn(&front, frame, peer);
+  }
+  HandOn(&front, Bytes("55AA"), 0x7F0003);  // asked for nothing
+  EXPECT_EQ(front.SeenPeers(), (std::vector<uint32_t>{0x0A3900, 0x7F0001, 0x7F0002}));
+}
+
+}  // namespace
