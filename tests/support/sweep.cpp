@@ -128,6 +128,7 @@ class Sweep {
     after_ = ReadStore();
     fpga_ = FpgaContent();
     Expect("undisturbed", Outcome(run));
+    Expect("undisturbed", Recount(writes_, operation_.regions));
     Expect("undisturbed", Judge(after_, before_, writes_, operation_.regions, {}));
     PutBack();
     Expect("twice", Outcome(InChild([&] {

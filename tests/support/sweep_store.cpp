@@ -103,6 +103,17 @@ Bytes WithWrites(const Bytes& before, const std::vector<StoreWrite>& writes, std
   return store;
 }
 
+std::string Recount(const std::vector<StoreWrite>& writes, const std::vector<Region>& regions) {
+  for (const Region& region : regions) {
+    const auto count = std::ranges::count_if(
+        writes, [&](const StoreWrite& write) { return Touches(write, region); });
+    if (region.free || count == region.writes) continue;
+    return At(region.address, "is written " + std::to_string(count) + " times in place of " +
+                                  std::to_string(region.writes));
+  }
+  return "";
+}
+
 std::string Difference(const Bytes& store, const Bytes& wanted,
                        const std::vector<Region>& regions) {
   for (auto at = store.begin();; ++at) {

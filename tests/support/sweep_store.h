@@ -15,6 +15,7 @@ using Bytes = std::vector<std::uint8_t>;
 struct Region {
   std::uint32_t address;
   std::uint32_t length;
+  int writes = 1;  // that touch it in one operation: what stands between two of them is right too
   bool free = false;  // holds a count, or what depends on how often the operation ran: any value
 };
 
@@ -33,6 +34,9 @@ void PutStore(const Bytes& bytes);
 
 // `before` with the first `count` of `writes`.
 Bytes WithWrites(const Bytes& before, const std::vector<StoreWrite>& writes, std::size_t count);
+
+// What is wrong with how often `writes` touch the regions, or empty.
+std::string Recount(const std::vector<StoreWrite>& writes, const std::vector<Region>& regions);
 
 // Where one store differs from another, or empty. A free region never differs.
 std::string Difference(const Bytes& store, const Bytes& wanted, const std::vector<Region>& regions);

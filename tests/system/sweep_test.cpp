@@ -14,9 +14,15 @@ namespace {
 
 using sweep::Operation;
 
-constexpr sweep::Region kFeature = {0xA3B100, 512};
-constexpr sweep::Region kScreenSize = {0xC20000, 8};
-constexpr sweep::Region kChanges = {0xD17000, 1, true};
+constexpr sweep::Region kChanges = {.address = 0xD17000, .length = 1, .free = true};
+
+// What a save writes, and more.
+std::vector<sweep::Region> Saved(std::vector<sweep::Region> regions) {
+  constexpr sweep::Region kSaved[] = {
+      {0xA3B100, 512}, {0xA61000, 512}, {0xB88000, 4}, {0xA3C000, 40960}, {0xA5C000, 768}};
+  regions.insert(regions.end(), std::begin(kSaved), std::end(kSaved));
+  return regions;
+}
 
 void Write(std::uint32_t address, const char* hex) {
   inprocess::Write(address, inprocess::Bytes(hex));
@@ -53,20 +59,12 @@ const Operation kOperations[] = {
     {.name = "feature",
      .prepare = [] { device::PutFlash(0x2400, "28"); },
      .act = WriteFeatures,
-     .regions = {kFeature, kScreenSize, kChanges}},
+     .regions = {{0xA3B100, 512, 12}, {0xC20000, 8, 3}, kChanges}},
     {.name = "role",
      .prepare = [] { device::PutFlash(0xC95000, "11111111"); },
      .act = [] { device::WriteFeature(0x9D, "a5"); },
-     .regions = {kFeature, {0xA60010, 1}, {0xC95000, 4}}},
-    {.name = "save",
-     .prepare = [] {},
-     .act = ChangeAndSave,
-     .regions = {kFeature,
-                 {0xC20040, 2},
-                 {0xA61000, 512},
-                 {0xB88000, 4},
-                 {0xA3C000, 40960},
-                 {0xA5C000, 768}}},
+     .regions = {{0xA3B100, 512, 5}, {0xA60010, 1}, {0xC95000, 4}}},
+    {.name = "save", .prepare = [] {}, .act = ChangeAndSave, .regions = Saved({{0xC20040, 2}})},
     {.name = "restore",
      .prepare =
          [] {
@@ -83,14 +81,7 @@ const Operation kOperations[] = {
            board::WriteEnv("firstboot", "1");
            device::Restore(true);
          },
-     .regions = {kFeature,
-                 kScreenSize,
-                 kChanges,
-                 {0xC20040, 15},
-                 {0xA61000, 512},
-                 {0xB88000, 4},
-                 {0xA3C000, 40960},
-                 {0xA5C000, 768}},
+     .regions = Saved({{0xC20000, 8}, kChanges, {0xC20040, 15}}),
      // Without the stored size a card of 128 by 128 is taken, and remains. A first boot that isn't
      // seen is a start like any other, which sends more of the page.
      .lasting = {"forever:flash-read", "once:env-open:1", "forever:env-open"},
