@@ -1,24 +1,25 @@
 // Three whole days of a mixed plan, pass by pass, against a second form of its rules.
+#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <platform/system.h>
+
+#include <sys/mman.h>
+#include <unistd.h>
 
 #include <cstdlib>
-#include <deque>
 #include <fstream>
 
-#include "mcuctrace.h"
-#include "proto/addr_hardwarebrightnessadjust.h"
-#include "stub/mcuqmbthread.h"
+#include "board/cards.h"
+#include "stub/mcucmessagestruct_layout.h"
 #include "support/board_kit.h"
 #include "support/brightness_bytes.h"
-#include "support/inprocess.h"
+#include "support/loop.h"
 
 namespace {
 
 using namespace ZEPH_MCUC;
+using loop::kPass_us;
+using loop::kSecond_us;
 
-constexpr int64_t kSecond_us = 1'000'000;
-constexpr int64_t kPass_us = 200'000;
 constexpr int64_t kDay_s = 86'400;
 constexpr int64_t kStart_s = 1'777'574'405;  // Thursday, 30 April 2026, 18:40:05
 constexpr int kPasses = 3 * 86'400 * 5;
@@ -33,7 +34,7 @@ std::string LightAt(int64_t seconds) {
   if (second % 7200 >= 1800 && second % 7200 < 1812) return "fail";
   if (second % 7200 >= 3600 && second % 7200 < 3680) return "fail";
   const int64_t fromNoon = std::abs(second - 43'200);
-  const int64_t lux = 24'000 - fromNoon + second / 60 % 5 * 900;
+  const int64_t lux = 24'000 - fromNoon + second / 10 % 7 * 900;
   return std::to_string(lux < 0 ? 0 : lux);
 }
 
@@ -207,19 +208,20 @@ class SecondForm {
   std::vector<int> readings_;
 };
 
-// The board's time; between passes the test moves it, within one the daemon's own waits do.
-int64_t BoardTime() {
-  timeval now{};
-  platform::GetTimeOfDay(&now, nullptr);
-  return now.tv_sec * kSecond_us + now.tv_usec;
-}
+// How many packets have gone to the first receiving card, as the board's folder shows it.
+class PacketCount {
+ public:
+  PacketCount() {
+    board::CreateCards();
+    const int file = open((board_kit::Named() / "cards").c_str(), O_RDONLY);
+    bytes_ = static_cast<const uint8_t*>(mmap(nullptr, 48, PROT_READ, MAP_SHARED, file, 0));
+    close(file);
+  }
+  uint32_t operator()() const { return DWQ_DECDW(bytes_ + 16 + 16); }
 
-void SetBoardTime(int64_t time_us) {
-  timeval now{};
-  now.tv_sec = time_us / kSecond_us;
-  now.tv_usec = time_us % kSecond_us;
-  ASSERT_EQ(platform::SetTimeOfDay(&now, nullptr), 0);
-}
+ private:
+  const uint8_t* bytes_;
+};
 
 // All values that have gone to every card, in order.
 std::vector<int> SentToCards() {
@@ -234,16 +236,12 @@ std::vector<int> SentToCards() {
 }
 
 TEST(BrightnessDays, ThreeDaysOfAMixSendWhatTheRulesSay) {
-  setenv("TZ", "UTC0", 1);
-  g_logLevel = kLogNothing;
   board_kit::Configure("speed = 2000\ntrace = card\n");
-  inprocess::Start();
-  platform::KeepTime();
+  loop::Start(kStart_s);
   const auto file = Plan().Bytes();
   ASSERT_LE(file.size(), 512U);
   // Stored, as an earlier run left it: the first pass starts it.
   board_kit::StoreFlash(0xB8B000, file);
-  SetBoardTime(kStart_s * kSecond_us);
 
   // Written over in place: a file cut and filled anew thousands of times keeps a disk busy.
   board_kit::Put("sensors/lux", "0\n");
@@ -253,16 +251,18 @@ TEST(BrightnessDays, ThreeDaysOfAMixSendWhatTheRulesSay) {
   std::vector<int> wanted;
   std::string light;
   int passesThatSent = 0;
+  const PacketCount packets;
   for (int pass = 0; pass < kPasses; ++pass) {
     const std::string now = LightAt(rules.time_us() / kSecond_us);
     if (now != light) sensor.seekp(0) << now << '\n' << std::flush;
     light = now;
-    McuQMBThread::PollingPass();
-    SetBoardTime(BoardTime() + kPass_us);
+    loop::Pass();
     const auto sent = rules.Pass(light);
     wanted.insert(wanted.end(), sent.begin(), sent.end());
     passesThatSent += sent.empty() ? 0 : 1;
-    ASSERT_EQ(BoardTime(), rules.time_us()) << "what was sent in pass " << pass << " differs";
+    ASSERT_EQ(packets(), wanted.size()) << "what was sent in pass " << pass << " differs";
+    ASSERT_EQ(loop::BoardTime_us(), rules.time_us())
+        << "the time after pass " << pass << " differs";
   }
   EXPECT_EQ(SentToCards(), wanted);
   EXPECT_GT(passesThatSent, 500) << "the plan has hardly run";
