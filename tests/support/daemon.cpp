@@ -71,11 +71,6 @@ void Daemon::Kill() {
   process_.Wait(std::chrono::seconds(30));
 }
 
-std::filesystem::path Daemon::OutputOf(const std::filesystem::path& board) {
-  std::filesystem::path path = board;
-  return path += ".output";
-}
-
 std::string Daemon::OutputText() const {
   std::ifstream file(output());
   return {std::istreambuf_iterator<char>(file), {}};
