@@ -3,18 +3,11 @@
 namespace ctl {
 
 std::span<const Command* const> Commands() {
-  // clang-format off: a line each, so that commands join without touching others
+  // A line each, so that commands join without touching others.
+  // clang-format off
   static constexpr const Command* kCommands[] = {
-      &kStatusCommand,
-      &kWallCommand,
-      &kOutputCommand,
-      &kFeatureCommand,
-      &kTimeCommand,
-      &kMonitorCommand,
-      &kStoreCommand,
-      &kReadCommand,
-      &kWriteCommand,
-      &kPingCommand,
+      &kStatusCommand,  &kWallCommand,  &kOutputCommand, &kFeatureCommand, &kTimeCommand,
+      &kMonitorCommand, &kStoreCommand, &kReadCommand,   &kWriteCommand,   &kPingCommand,
   };
   // clang-format on
   return kCommands;

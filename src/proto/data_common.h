@@ -115,7 +115,8 @@ class Data_Global : public Singleton<Data_Global> {
   void SaveBasicParaToFlash();
   // Writes `Length` bytes in pages of 256, the rest last. The last write's result.
   int32_t CopyConstDataToFlash(uint32_t SpiAddress, const uint8_t* wrindata, uint32_t Length);
-  // Reads `into.size()` bytes, 5120 at most, of the source `sel`; zeros where they can't be read.
+  // Reads `into.size()` bytes, 5120 at most, of the source `sel`; they stay where they can't be
+  // read.
   void RestoreDataFromFlash(uint8_t sel, std::span<uint8_t> into);
   // Two values, width and height in pixels. 0 where both are stored and not 0, else -1; a card size
   // of 0 then reads as 128.
