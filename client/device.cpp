@@ -9,7 +9,7 @@ namespace {
 using namespace ZEPH_MCUC;
 using std::chrono::steady_clock;
 
-constexpr std::uint32_t kCells = 0xF0000000;  // the register of FPGA cell 0
+constexpr std::uint32_t kCells = CellRegister(0);
 constexpr auto kLook = std::chrono::milliseconds(20);
 
 // A stretch of a page that one request reads. The image is read in two: one request over both would
@@ -59,27 +59,36 @@ Answer Device::ReadPage(FeaturePage& page) {
 }
 
 Answer Device::Read(const FeatureRegister& row) {
-  Answer answer =
-      ReadRegister(options_, *client_, FeatureAddress(row), static_cast<std::uint16_t>(row.width));
-  if (answer.exit == Exit::kDone && answer.data.size() != row.width) {
+  return Read(FeatureAddress(row), static_cast<std::uint16_t>(row.width));
+}
+
+Answer Device::Read(std::uint32_t address, std::uint16_t length) {
+  Answer answer = ReadRegister(options_, *client_, address, length);
+  if (answer.exit == Exit::kDone && answer.data.size() != length) {
     return {Exit::kRefused, "refused: a short reply", {}};
   }
   return answer;
 }
 
-Answer Device::Write(const Change& change) {
+Answer Device::Send(std::uint32_t address, std::vector<std::uint8_t> data) {
+  return WriteRegister(options_, *client_, address, std::move(data));
+}
+
+Answer Device::Await(std::uint32_t address, std::uint16_t length, const Shows& shows) {
   const auto deadline = steady_clock::now() + kSettleTime;
-  Answer answer = WriteRegister(options_, *client_, change.address, change.data);
-  if (answer.exit != Exit::kDone) return answer;
   while (true) {
-    answer = ReadRegister(options_, *client_, change.shown_at, change.shown_length);
+    Answer answer = ReadRegister(options_, *client_, address, length);
     if (answer.exit != Exit::kDone) return answer;
-    if (answer.data.size() == change.shown_length && change.shows(answer.data)) return answer;
-    if (steady_clock::now() >= deadline) break;
+    if (answer.data.size() == length && shows(answer.data)) return answer;
+    if (steady_clock::now() >= deadline) return {Exit::kRefused, "", std::move(answer.data)};
     std::this_thread::sleep_for(kLook);
   }
-  answer.exit = Exit::kRefused;
-  return answer;
+}
+
+Answer Device::Write(const Change& change) {
+  Answer answer = Send(change.address, change.data);
+  if (answer.exit != Exit::kDone) return answer;
+  return Await(change.shown_at, change.shown_length, change.shows);
 }
 
 std::uint32_t FeatureAddress(const FeatureRegister& row) {

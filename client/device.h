@@ -1,4 +1,4 @@
-// The feature registers of a board's sending card, read and written as commands do it.
+// A board's sending card, read and written as commands do it, its feature registers by name.
 //
 // A reply to a write comes before the work. Nobody who sets something should have to know: what is
 // set here is read back until it shows.
@@ -49,8 +49,18 @@ class Device {
   // The bytes of one register.
   Answer Read(const ZEPH_MCUC::FeatureRegister& row);
 
-  // Writes, then reads until it shows, `kSettleTime` at most. `data` is what was read last; an
-  // answer of `kRefused` with data says that it didn't show.
+  // `length` bytes at `address`, all of them.
+  Answer Read(std::uint32_t address, std::uint16_t length);
+
+  // Writes without waiting for what it does.
+  Answer Send(std::uint32_t address, std::vector<std::uint8_t> data);
+
+  // Reads until `shows`, `kSettleTime` at most. `data` is what was read last; an answer of
+  // `kRefused` with data says that it didn't show.
+  using Shows = std::function<bool(std::span<const std::uint8_t>)>;
+  Answer Await(std::uint32_t address, std::uint16_t length, const Shows& shows);
+
+  // Writes, then awaits.
   Answer Write(const Change& change);
 
  private:
@@ -60,6 +70,9 @@ class Device {
   const Options& options_;
   std::unique_ptr<quivord::Client> client_;
 };
+
+// The register of a cell of the FPGA.
+constexpr std::uint32_t CellRegister(std::uint32_t bus) { return 0xF0000000 + bus; }
 
 // Where a read of `row` is up to date.
 std::uint32_t FeatureAddress(const ZEPH_MCUC::FeatureRegister& row);
