@@ -76,6 +76,9 @@ class Bus : public testing::Test {
         support::Daemon::Options{.board = board_kit::Named(), .arguments = std::move(arguments)});
     ASSERT_TRUE(daemon_->WaitUntilItAnswers()) << daemon_->OutputText();
   }
+  void TearDown() override {
+    EXPECT_EQ(daemon_->OutputText().find("Sanitizer"), std::string::npos) << daemon_->OutputText();
+  }
   static RawPeer Connect(uint32_t id) { return {board_kit::Named(), id}; }
   ~Bus() override { std::filesystem::remove(board_kit::Named().string() + ".output"); }
 
