@@ -4,6 +4,7 @@
 
 #include "commands.h"
 #include "numbers.h"
+#include "proto/calc_feature_words.h"
 
 namespace ctl {
 namespace {
@@ -19,8 +20,13 @@ struct Words {
 
 void Show(const Output& out, const quivord::Report& report) {
   const std::string data = HexText(report.data);
-  out.Show(AddressText(report.address) + " " + (data.empty() ? "-" : data),
-           {{"address", report.address}, {"length", report.data.size()}, {"data", data}});
+  const std::string text = ZEPH_MCUC::ReportText(report.address, report.data);
+  out.Show(AddressText(report.address) + " " + (data.empty() ? "-" : data) +
+               (text.empty() ? "" : "  " + text),
+           {{"address", report.address},
+            {"length", report.data.size()},
+            {"data", data},
+            {"text", text}});
 }
 
 Exit Monitor(Context& context, const Words& words) {

@@ -3,12 +3,13 @@
 namespace ctl {
 
 std::span<const Command* const> Commands() {
+  // A line each, so that commands join without touching others.
+  // clang-format off
   static constexpr const Command* kCommands[] = {
-      &kReadCommand,
-      &kWriteCommand,
-      &kMonitorCommand,
-      &kPingCommand,
+      &kStatusCommand,  &kWallCommand,  &kOutputCommand, &kFeatureCommand, &kTimeCommand,
+      &kMonitorCommand, &kStoreCommand, &kReadCommand,   &kWriteCommand,   &kPingCommand,
   };
+  // clang-format on
   return kCommands;
 }
 

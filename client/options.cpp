@@ -50,14 +50,14 @@ Value Want(std::optional<Value> value, const char* option, const char* reason) {
   return *value;
 }
 
-// The slot that the board's configuration names. A board that isn't there yet, or a configuration
-// that the daemon would refuse, is the daemon's to tell.
-std::uint8_t SlotOf(const std::filesystem::path& board) {
+// What the board's configuration says. A board that isn't there yet, or a configuration that the
+// daemon would refuse, is the daemon's to tell.
+board::Settings SettingsOf(const std::filesystem::path& board) {
   std::ifstream file(board / "board.conf");
   const std::string text{std::istreambuf_iterator<char>(file), {}};
   board::Settings settings;
   const std::string fault = board::ParseSettings(text, "board.conf", settings);
-  return fault.empty() ? settings.slot : board::Settings{}.slot;
+  return fault.empty() ? settings : board::Settings{};
 }
 
 // A place behind the ports: a number, or `all`.
@@ -107,7 +107,9 @@ void Declare(CLI::App& app, OptionWords& words) {
 Options Understand(const OptionWords& words) {
   Options options;
   options.board = words.board.empty() ? board::ChooseFolder() : std::filesystem::path(words.board);
-  options.slot = SlotOf(options.board);
+  const board::Settings settings = SettingsOf(options.board);
+  options.slot = settings.slot;
+  options.speed = settings.speed;
   if (!words.as.empty()) options.as = Identifier(options, words.as);
   options.target.device = Want(Look(kDevices, words.device), "--device",
                                "is sender, receiver, multi, distribute or launcher");

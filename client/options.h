@@ -19,7 +19,8 @@ struct Options {
   std::chrono::milliseconds timeout{5000};
   bool json = false;
 
-  std::uint8_t slot = 0;  // of the board
+  std::uint8_t slot = 0;    // of the board
+  std::uint32_t speed = 1;  // of the board's clock
 
   // The identifier of the task `number` in the board's slot.
   std::uint32_t Task(std::uint32_t number) const;

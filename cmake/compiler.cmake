@@ -6,6 +6,9 @@ if(CMAKE_CXX_COMPILER_ID MATCHES Clang)
 endif()
 
 if(QUIVORD_SANITIZE)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+    add_compile_options(-Wno-maybe-uninitialized)  # instrumented, the library's <regex> sets it off
+  endif()
   add_compile_options(-fsanitize=${QUIVORD_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${QUIVORD_SANITIZE})
 endif()

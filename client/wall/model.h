@@ -19,11 +19,15 @@ namespace quivord::wall {
 inline constexpr std::size_t kPorts = ZEPH_MCUC::kTablePorts;
 inline constexpr std::size_t kRecordSize = ZEPH_MCUC::shortcut::PortRecord(kPorts);
 
+// The feature registers that are read: not a byte more, or the device would first take its image
+// back from the FPGA, which the screen size of an advanced wall never reaches.
+inline constexpr std::size_t kFeatures = ZEPH_MCUC::feature::kBusEnd;
+
 // The registers that tell of the wall, as they are read.
 struct DeviceBytes {
   std::array<std::uint8_t, ZEPH_MCUC::kPositionSize> positions = {};
   std::array<std::uint8_t, ZEPH_MCUC::kNumberSize> numbers = {};
-  std::array<std::uint8_t, ZEPH_MCUC::feature::kSize> features = {};
+  std::array<std::uint8_t, kFeatures> features = {};
   std::array<std::uint8_t, kRecordSize> record = {};
   std::array<std::uint8_t, 4> cardSize = {};  // width, height
 

@@ -13,6 +13,7 @@
 #include "board/cells.h"
 #include "board/faults.h"
 #include "board/files.h"
+#include "board/inputs.h"
 #include "board/standins.h"
 
 namespace board {
@@ -84,6 +85,7 @@ Board SetUp() {
   CreateText(board.folder / "sys/class/fpga/fpga_conf", "1\n");
   CreateText(board.folder / "usr/zeph/etc/envcfg/env", "");
   CreateStandIns(board.folder);
+  CreateInputs(board.folder, board.settings);
   return board;
 }
 

@@ -58,6 +58,9 @@ class Tprocess_ctl {
   // Asks for the card size some passes after a link changed, and reports it.
   void SendRecvCardParaToOwdByLinkChange();
 
+  // Fits the source into the preview window where its size has changed since the last update.
+  void Monitorprcoess();
+
   // Single reports, each read from the FPGA and sent at once.
   void SendRedundtoOWD1_4();
   void SendRedundtoOWD5_8();

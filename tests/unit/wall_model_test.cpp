@@ -43,7 +43,7 @@ TEST(WallModel, PartsCoverTheRegistersOfAWall) {
   std::vector<std::pair<std::uint32_t, std::size_t>> parts;
   for (const auto& part : bytes.Parts()) parts.emplace_back(part.address, part.bytes.size());
   const std::vector<std::pair<std::uint32_t, std::size_t>> expected = {{0x02810000, 0x2D0},
-                                                                       {0x02000000, 512},
+                                                                       {0x02000000, 496},
                                                                        {0x02100006, 4},
                                                                        {0x03100000, 768},
                                                                        {0x03000000, 40960}};
