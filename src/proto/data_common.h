@@ -76,8 +76,10 @@ class Data_Global : public Singleton<Data_Global> {
   vu8 OptModuleLinkSta;
   vu16 ReceiveCardWidth{kDefaultCardSize};  // pixels of one receiving card, until one was read
   vu16 ReceiveCardHeight{kDefaultCardSize};
-  vu8 _gCorroentHighSpeed;  // 1 in high-speed correction mode
-  vu8 LinkStateChanged;     // passes of the loop since a link changed
+  vu8 _gCorroentHighSpeed;          // 1 in high-speed correction mode
+  vu8 LinkStateChanged;             // passes of the loop since a link changed
+  vu8 ChangeParaForKeepWarmUpMode;  // the warm-up setting, for whoever starts one
+  vu8 ParaForKeepWarmUpModeTimeData;
 
   // The tag of a store that has been saved to, and of stored tables.
   static constexpr std::array<uint8_t, 4> IsNewFlashTag = {0x39, 0xF6, 0xA5, 0x5A};
@@ -113,7 +115,8 @@ class Data_Global : public Singleton<Data_Global> {
   void SaveBasicParaToFlash();
   // Writes `Length` bytes in pages of 256, the rest last. The last write's result.
   int32_t CopyConstDataToFlash(uint32_t SpiAddress, const uint8_t* wrindata, uint32_t Length);
-  // Reads `into.size()` bytes, 5120 at most, of the source `sel`; zeros where they can't be read.
+  // Reads `into.size()` bytes, 5120 at most, of the source `sel`; they stay where they can't be
+  // read.
   void RestoreDataFromFlash(uint8_t sel, std::span<uint8_t> into);
   // Two values, width and height in pixels. 0 where both are stored and not 0, else -1; a card size
   // of 0 then reads as 128.
@@ -199,6 +202,21 @@ class Data_Global : public Singleton<Data_Global> {
 
   // Everything that a write of `len` bytes at the feature register `addr` sets off.
   void DoWriteFeatureInfo(uint32_t addr, uint16_t len, const uint8_t* data);
+
+  // --- Colour (data_colour.cpp); work thread ----------------------------------------------------
+  // What the FPGA doesn't take is logged below and nothing else is done about it.
+
+  // Loads the gamma tables of a mode into the FPGA and sets its switches: 0x58 is HDR10, 0x78 HLG,
+  // both calculated from the `ParaTable` slots; any other is the default mode.
+  void SendCardHDRProcess(uint8_t HDRType);
+  // Loads the stored tables, of 12 bits for 0x78 and else of 10, with the built-in one for each
+  // colour that has none. With another mode than the default in `PbufHDRType` nothing is loaded.
+  void SendGammaToFpga(uint8_t deep_color_mode);
+  // Calculates both colour matrices from the slots and loads them. `Mode` is 0.
+  void PictureQualityProcess(uint8_t Mode);
+  // Takes the screen's size and the phases into `gHardwareScreenGenReg`, sends it to the FPGA and
+  // lets it take effect there. Blocks of no width or height are logged and nothing is sent.
+  void ScreenPatternGenProcess(SharedBytes<512>* gHardwareScreenGenReg);
 
   // --- Reports (data_report.cpp); any thread ----------------------------------------------------
   // Each sends one frame at once; a failure is logged and the report is lost.

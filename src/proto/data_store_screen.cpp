@@ -14,7 +14,7 @@
 namespace ZEPH_MCUC {
 namespace {
 
-constexpr std::size_t kStaging = 5120;  // bytes that one restore moves at most
+constexpr std::size_t kMostRestored = 5120;  // bytes
 
 // Two 32-bit values, width and height, as they are stored.
 std::array<uint8_t, 8> SizeBytes(uint32_t width, uint32_t height) {
@@ -61,14 +61,12 @@ int ReadSize(uint32_t address, const SizeTexts& texts, uint32_t* size) {
 void Data_Global::RestoreDataFromFlash(uint8_t sel, std::span<uint8_t> into) {
   MCUC_LOG(kLogInfo,
            "========================== Begin restore data from flash ========================");
-  std::array<uint8_t, kStaging> staging{};
-  const auto length = static_cast<uint32_t>(std::min(into.size(), staging.size()));
+  const auto length = static_cast<uint32_t>(std::min(into.size(), kMostRestored));
   const uint32_t address = sel == kRestoreFeature ? flash::kFeature : flash::kBasicInfo;
   if (sel == kRestoreFeature) {
     MCUC_LOG(kLogInfo, "=======Restore FPGA from flash RegesiterAddr = " << CTrace::hex << address);
   }
-  DriverUtil::getInstance()->ReadBytesFromFlash(address, length, staging.data());
-  std::copy_n(staging.begin(), length, into.begin());
+  DriverUtil::getInstance()->ReadBytesFromFlash(address, length, into.data());
   MCUC_LOG(kLogInfo,
            "========================== Finish restore data from flash =======================");
 }
