@@ -94,7 +94,11 @@ const Operation kOperations[] = {
            device::PutFlash(0xD17000, "05");
            device::PutFlash(0xA3B100 + 0x1F0, "9cffffff3200000002");
          },
-     .act = [] { device::Restore(true); },
+     .act =
+         [] {
+           device::Restore(false);
+           device::Restore(true);
+         },
      .regions = {{0xD17000, 1}},
      .online = false},
     {.name = "firstboot",
