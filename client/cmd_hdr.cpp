@@ -34,9 +34,12 @@ std::string ModeText(const PictureMode& mode) {
 
 nlohmann::json ModeJson(const PictureMode& mode) {
   const hc::HDRParaData& set = mode.set;
-  return {{"mode", ModeName(set.HDRType)}, {"peak", set.fScreenPeakLight},
-          {"ambient", set.fambientLight},  {"low_gray", set.pMinLum},
-          {"class", set.HLGCalss},         {"tables", mode.tables_are_hdr ? "hdr" : "default"},
+  return {{"mode", ModeName(set.HDRType)},
+          {"peak", set.fScreenPeakLight},
+          {"ambient", set.fambientLight},
+          {"low_gray", set.pMinLum},
+          {"class", set.HLGCalss},
+          {"tables", mode.tables_are_hdr ? "hdr" : "default"},
           {"kept", false}};
 }
 

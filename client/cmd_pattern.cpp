@@ -50,10 +50,9 @@ Exit Say(const Context& context, const Image& image) {
     return Exit::kDone;
   }
   const bool blocks = shown->kind == quivord::wall::Pattern::Kind::kBlocks;
-  context.out.Show(quivord::wall::PatternText(*shown),
-                   {{"pattern", blocks ? "block" : "pixel"},
-                    {"step", {shown->stepX, shown->stepY}},
-                    {"first", {shown->firstX, shown->firstY}}});
+  context.out.Show(quivord::wall::PatternText(*shown), {{"pattern", blocks ? "block" : "pixel"},
+                                                        {"step", {shown->stepX, shown->stepY}},
+                                                        {"first", {shown->firstX, shown->firstY}}});
   return Exit::kDone;
 }
 
@@ -84,8 +83,8 @@ Exit Send(const Context& context, Device& device, Image image) {
                     .shown_length = static_cast<std::uint16_t>(pattern::kUsed - pattern::kType),
                     .shows = same});
   if (answer.exit == Exit::kDone) return Say(context, image);
-  return context.Fail(answer.exit, answer.text.empty() ? "the FPGA doesn't show the pattern"
-                                                       : answer.text);
+  return context.Fail(answer.exit,
+                      answer.text.empty() ? "the FPGA doesn't show the pattern" : answer.text);
 }
 
 // Reads the registers, lets `change` change them, and sends them.

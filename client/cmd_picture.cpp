@@ -49,19 +49,19 @@ Exit Set(const Context& context, Device& device, const Colour& colour) {
     return ColourText(ColourOf(bytes)) == ColourText(colour);
   };
   const auto low = [](std::uint16_t value) { return static_cast<std::uint8_t>(value); };
-  const Answer answer = device.Write(
-      {.address = hc::kBase + hc::kColour,
-       .data = {low(colour.Saturation), low(colour.Contrast), low(colour.Hue),
-                static_cast<std::uint8_t>(colour.Hue >> 8)},
-       .shown_at = hc::kBase + hc::kColour,
-       .shown_length = hc::kColourRead,
-       .shows = same});
+  const Answer answer =
+      device.Write({.address = hc::kBase + hc::kColour,
+                    .data = {low(colour.Saturation), low(colour.Contrast), low(colour.Hue),
+                             static_cast<std::uint8_t>(colour.Hue >> 8)},
+                    .shown_at = hc::kBase + hc::kColour,
+                    .shown_length = hc::kColourRead,
+                    .shows = same});
   if (answer.exit == Exit::kDone) {
     context.out.Show(ColourText(colour) + "\n" + kNotKept, ColourJson(colour));
     return Exit::kDone;
   }
-  return context.Fail(answer.exit, answer.text.empty() ? "the device took it, but doesn't show it"
-                                                       : answer.text);
+  return context.Fail(
+      answer.exit, answer.text.empty() ? "the device took it, but doesn't show it" : answer.text);
 }
 
 Exit Do(const Context& context, const Words& words) {

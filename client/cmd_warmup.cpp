@@ -24,20 +24,20 @@ nlohmann::json Json(std::span<const std::uint8_t> setting) {
 }
 
 Exit Set(const Context& context, Device& device, std::vector<std::uint8_t> setting) {
-  const Answer answer = device.Write(
-      {.address = kRegister,
-       .data = setting,
-       .shown_at = kRegister,
-       .shown_length = hc::kWarmUpBytes,
-       .shows = [setting](std::span<const std::uint8_t> shown) {
-         return std::equal(shown.begin(), shown.end(), setting.begin(), setting.end());
-       }});
+  const Answer answer =
+      device.Write({.address = kRegister,
+                    .data = setting,
+                    .shown_at = kRegister,
+                    .shown_length = hc::kWarmUpBytes,
+                    .shows = [setting](std::span<const std::uint8_t> shown) {
+                      return std::equal(shown.begin(), shown.end(), setting.begin(), setting.end());
+                    }});
   if (answer.exit == Exit::kDone) {
     context.out.Show(Text(setting) + "\n" + kNothingStarts, Json(setting));
     return Exit::kDone;
   }
-  return context.Fail(answer.exit,
-                      answer.text.empty() ? "the device took it, but didn't store it" : answer.text);
+  return context.Fail(
+      answer.exit, answer.text.empty() ? "the device took it, but didn't store it" : answer.text);
 }
 
 Exit Do(const Context& context, const Words& words) {

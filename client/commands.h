@@ -19,6 +19,11 @@ extern const Command kFeatureCommand;
 extern const Command kStoreCommand;
 extern const Command kWallCommand;
 extern const Command kCardCommand;
+extern const Command kHdrCommand;
+extern const Command kPictureCommand;
+extern const Command kGammaCommand;
+extern const Command kPatternCommand;
+extern const Command kWarmupCommand;
 
 // In the order in which help lists them.
 std::span<const Command* const> Commands();

@@ -91,8 +91,8 @@ Exit Load(Context& context) {
   if (answer.exit == Exit::kDone) answer = ReadGamma(*device, &set);
   if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
   const bool was_hdr = mode.set.HDRType != ZEPH_MCUC::hc::kDefaultMode;
-  context.out.Show("loaded the 10-bit set" + std::string(was_hdr ? ", HDR is off now" : "") +
-                       "\n" + GammaText(set),
+  context.out.Show("loaded the 10-bit set" + std::string(was_hdr ? ", HDR is off now" : "") + "\n" +
+                       GammaText(set),
                    {{"red", CurveText(set[0])},
                     {"green", CurveText(set[1])},
                     {"blue", CurveText(set[2])},

@@ -110,13 +110,16 @@ Answer AwaitLoaded(Device& device, const GammaSet& wanted) {
 std::string StoredText(int depth, bool loaded) {
   const std::string text = "stored the " + std::to_string(depth) + "-bit set";
   if (depth == 12) {
-    return loaded ? text + " and loaded it\nWhatever loads the default mode later takes the "
-                           "10-bit set: upload this one again then."
-                  : text + "\nThe picture is in an HDR mode, and what ends that loads the 10-bit "
-                           "set: upload this one again then.";
+    return loaded ? text +
+                        " and loaded it\nWhatever loads the default mode later takes the "
+                        "10-bit set: upload this one again then."
+                  : text +
+                        "\nThe picture is in an HDR mode, and what ends that loads the 10-bit "
+                        "set: upload this one again then.";
   }
-  return loaded ? text + " and loaded it\nKept, but not loaded by itself after a power-up: "
-                         "'quivordctl gamma load' does that."
+  return loaded ? text +
+                      " and loaded it\nKept, but not loaded by itself after a power-up: "
+                      "'quivordctl gamma load' does that."
                 : text + "\nThe picture is in an HDR mode: 'quivordctl hdr off' loads the set.";
 }
 
