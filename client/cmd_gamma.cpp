@@ -6,7 +6,8 @@ namespace ctl {
 namespace {
 
 Run Declare(CLI::App& app) {
-  static constexpr const Command* kCommands[] = {&kGammaUpload, &kGammaLoad, &kGammaShow};
+  static constexpr const Command* kCommands[] = {&kGammaUpload, &kGammaLoad, &kGammaShow,
+                                                 &kGammaDraw};
   return DeclareSubcommands(app, kCommands);
 }
 
