@@ -8,6 +8,7 @@ std::span<const Command* const> Commands() {
   static constexpr const Command* kCommands[] = {
       &kStatusCommand,  &kWallCommand,  &kOutputCommand, &kFeatureCommand, &kTimeCommand,
       &kMonitorCommand, &kStoreCommand, &kReadCommand,   &kWriteCommand,   &kPingCommand,
+      &kBrightnessCommand,
   };
   // clang-format on
   return kCommands;
