@@ -9,6 +9,7 @@ std::span<const Command* const> Commands() {
       &kStatusCommand,
       &kWallCommand,
       &kCardCommand,
+      &kBrightnessCommand,
       &kOutputCommand,
       &kHdrCommand,
       &kPictureCommand,

@@ -12,6 +12,7 @@ extern const Command kReadCommand;
 extern const Command kWriteCommand;
 extern const Command kMonitorCommand;
 extern const Command kPingCommand;
+extern const Command kBrightnessCommand;
 extern const Command kStatusCommand;
 extern const Command kOutputCommand;
 extern const Command kTimeCommand;
