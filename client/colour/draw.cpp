@@ -50,7 +50,7 @@ constexpr Colour kReference = draw::Rgb(0xD3D9E4);
 constexpr double kReferenceWidth = 17;
 
 constexpr double kDarkest = 1.0 / kFullLight;  // the smallest entry but 0
-constexpr int kDecades = 5;
+constexpr int kDecadesShown = 5;
 
 enum class Axis { kPlain, kDecades };
 
@@ -61,7 +61,7 @@ struct Plot {
 
   double X(double code) const { return field.x + field.width * code / (kGammaEntries - 1); }
   double Y(double light) const {
-    const double part = axis == Axis::kPlain ? light : 1 + std::log10(light) / kDecades;
+    const double part = axis == Axis::kPlain ? light : 1 + std::log10(light) / kDecadesShown;
     return field.bottom() - field.height * std::clamp(part, 0.0, 1.0);
   }
 };
