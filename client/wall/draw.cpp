@@ -119,6 +119,7 @@ std::string Draw(const Wall& wall, const std::filesystem::path& file, Format for
     DrawPattern(wall, *pattern, picture, painter);
   } else {
     each(DrawCable);
+    DrawSigns(wall, picture, painter);
   }
   DrawLegend(wall, picture, painter);
   return painter.Finish();

@@ -78,7 +78,22 @@ constexpr Sign kSigns[] = {{Station::kFirst, "0", "first cabinet"},
                            {Station::kBetween, "1", "number on its cable"},
                            {Station::kLast, "2", "last cabinet"}};
 
-void DrawSigns(Painter& painter, const Picture& picture, std::size_t port) {
+}  // namespace
+
+void DrawLegend(const Wall& wall, const Picture& picture, Painter& painter) {
+  DrawHeading(painter, picture.plates, "CABLES");
+  std::size_t plate = 0;
+  for (const Port& port : wall.ports) {
+    if (!port.main()) continue;
+    DrawPlate(painter, picture.Plate(plate++), wall, port);
+  }
+  DrawHeading(painter, picture.sockets, "PORTS OF THE DEVICE");
+  for (std::size_t port = 0; port < kPorts; ++port) {
+    DrawSocket(painter, picture.Socket(port), port, FindPort(wall, port));
+  }
+}
+
+void DrawSigns(const Wall& wall, const Picture& picture, Painter& painter) {
   const Box& box = picture.signs;
   if (!picture.labelled()) {
     painter.Text("Cabinets are too small here to bear numbers; a dot marks where a cable comes in.",
@@ -87,6 +102,8 @@ void DrawSigns(Painter& painter, const Picture& picture, std::size_t port) {
   }
   constexpr double kCell = 62;
   constexpr double kStackedStep = 36;
+  const auto first = std::ranges::find_if(wall.ports, &Port::main);
+  const std::size_t port = first == wall.ports.end() ? 0 : first->number;
   Point at{box.x + 14, box.y + 24};
   for (const Sign& sign : kSigns) {
     DrawStation(painter, at, port, sign.number, kCell, sign.station);
@@ -100,24 +117,6 @@ void DrawSigns(Painter& painter, const Picture& picture, std::size_t port) {
   const double y = picture.signsStacked ? at.y : at.y + 38;
   painter.Text("Ports and cabinets count from 0.", {box.x, y}, kLine, palette::kFaintInk,
                Align::kLeft, box.width);
-}
-
-}  // namespace
-
-void DrawLegend(const Wall& wall, const Picture& picture, Painter& painter) {
-  DrawHeading(painter, picture.plates, "CABLES");
-  std::size_t plate = 0;
-  std::size_t first = 0;
-  for (const Port& port : wall.ports) {
-    if (!port.main()) continue;
-    if (plate == 0) first = port.number;
-    DrawPlate(painter, picture.Plate(plate++), wall, port);
-  }
-  DrawHeading(painter, picture.sockets, "PORTS OF THE DEVICE");
-  for (std::size_t port = 0; port < kPorts; ++port) {
-    DrawSocket(painter, picture.Socket(port), port, FindPort(wall, port));
-  }
-  DrawSigns(painter, picture, first);
 }
 
 }  // namespace quivord::wall

@@ -27,7 +27,10 @@ void DrawPattern(const Wall& wall, const Pattern& pattern, const Picture& pictur
                  Painter& painter);
 std::string ShownText(const Pattern& pattern, const Picture& picture);
 
-// Plates, sockets and signs.
+// Plates and sockets.
 void DrawLegend(const Wall& wall, const Picture& picture, Painter& painter);
+
+// What the signs on the cables mean.
+void DrawSigns(const Wall& wall, const Picture& picture, Painter& painter);
 
 }  // namespace quivord::wall
