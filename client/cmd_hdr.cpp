@@ -11,7 +11,7 @@ namespace hc = ZEPH_MCUC::hc;
 constexpr char kNotKept[] =
     "Not kept: after its next start the daemon takes the picture for the default mode.";
 constexpr char kLeftOver[] =
-    "The FPGA still holds tables of an HDR mode from before the daemon's start;\n"
+    "The FPGA is still set for an HDR mode from before the daemon's start;\n"
     "'quivordctl hdr off' loads the default.";
 
 std::string ModeText(const PictureMode& mode) {
@@ -28,7 +28,7 @@ std::string ModeText(const PictureMode& mode) {
              std::to_string(ZEPH_MCUC::curves::kHlgPeaks_nits[shown]) + " cd/m2\n" + kNotKept;
     }
     default:
-      return mode.tables_are_hdr ? std::string("HDR is off\n") + kLeftOver : "HDR is off";
+      return mode.fpga_is_hdr ? std::string("HDR is off\n") + kLeftOver : "HDR is off";
   }
 }
 
@@ -39,7 +39,7 @@ nlohmann::json ModeJson(const PictureMode& mode) {
           {"ambient", set.fambientLight},
           {"low_gray", set.pMinLum},
           {"class", set.HLGCalss},
-          {"tables", mode.tables_are_hdr ? "hdr" : "default"},
+          {"fpga", mode.fpga_is_hdr ? "hdr" : "default"},
           {"kept", false}};
 }
 
@@ -125,7 +125,7 @@ Run DeclareHlg(CLI::App& app) {
 
 constexpr Command kShow{"show", "Say which mode the picture is in",
                         "  quivordctl hdr show\n"
-                        "With --json: {mode, peak, ambient, low_gray, class, tables, kept}.",
+                        "With --json: {mode, peak, ambient, low_gray, class, fpga, kept}.",
                         DeclareShow};
 constexpr Command kOff{"off", "Back to the default mode and its gamma tables",
                        "  quivordctl hdr off\n", DeclareOff};

@@ -21,7 +21,10 @@ Answer ReadMode(Device& device, PictureMode* mode) {
   if (answer.exit != Exit::kDone) return answer;
   mode->set.HLGCalss = answer.data[0];
   answer = device.Read(CellRegister(hc::kSwitchBus), 1);
-  if (answer.exit == Exit::kDone) mode->tables_are_hdr = answer.data[0] == hc::kTablesLoaded;
+  if (answer.exit != Exit::kDone) return answer;
+  mode->fpga_is_hdr = answer.data[0] == hc::kTablesLoaded;
+  answer = device.Read(CellRegister(ZEPH_MCUC::feature::kHdrSwitch), 1);
+  if (answer.exit == Exit::kDone) mode->fpga_is_hdr |= answer.data[0] == hc::kSwitchHDR;
   return answer;
 }
 

@@ -12,7 +12,7 @@ namespace ctl {
 // What the daemon knows of the mode, and what the FPGA holds.
 struct PictureMode {
   ZEPH_MCUC::hc::HDRParaData set;  // by clients since the daemon's start; `brightness` isn't read
-  bool tables_are_hdr = false;     // the FPGA's tables were calculated
+  bool fpga_is_hdr = false;        // the FPGA's tables, or its switch, are those of an HDR mode
 };
 Answer ReadMode(Device& device, PictureMode* mode);
 

@@ -74,7 +74,7 @@ TEST_F(CtlColour, ModesAreChosenShownAndForgottenByARestart) {
                          {"ambient", 50},
                          {"low_gray", 9},
                          {"class", 4},
-                         {"tables", "hdr"},
+                         {"fpga", "hdr"},
                          {"kept", false}}));
   EXPECT_EQ(device::Fpga(0x500109, 1), "5a");
   const std::string hlg = Out({"hdr", "hlg", "--class", "2"});
@@ -82,7 +82,7 @@ TEST_F(CtlColour, ModesAreChosenShownAndForgottenByARestart) {
   EXPECT_EQ(Json({"gamma", "show"}).at("red").at("curve"), "HLG of class 2");
   Restart();
   const std::string left = Out({"hdr", "show"});
-  EXPECT_TRUE(left.starts_with("HDR is off\nThe FPGA still holds tables of an HDR mode")) << left;
+  EXPECT_TRUE(left.starts_with("HDR is off\nThe FPGA is still set for an HDR mode")) << left;
   EXPECT_EQ(Out({"hdr", "off"}), "HDR is off");
   EXPECT_EQ(device::Fpga(0x1EA, 1), "ff");
   EXPECT_EQ(Tables(), Thrice(ZEPH_MCUC::GammaTable_x()));
