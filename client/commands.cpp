@@ -8,6 +8,7 @@ std::span<const Command* const> Commands() {
   static constexpr const Command* kCommands[] = {
       &kStatusCommand,
       &kWallCommand,
+      &kCardCommand,
       &kOutputCommand,
       &kInputsCommand,
       &kEdidCommand,

@@ -22,6 +22,7 @@ extern const Command kEdidCommand;
 extern const Command kInputsCommand;
 extern const Command kTimingCommand;
 extern const Command kScaleCommand;
+extern const Command kCardCommand;
 
 // In the order in which help lists them.
 std::span<const Command* const> Commands();

@@ -21,6 +21,17 @@ inline constexpr uint32_t kWarmUp = 0x12C;
 inline constexpr uint32_t kMinLum = 0x12E;
 inline constexpr uint32_t kColour = 0x13A;
 
+// Where in the FPGA the settings end up, beside the gamma tables and the feature registers.
+inline constexpr uint32_t kSwitchBus = 0x500109;     // one byte: `kTablesLoaded`, or the bit depth
+inline constexpr uint32_t kRgbMatrixBus = 0xD00000;  // 32 bytes: full RGB to full RGB
+inline constexpr uint32_t kYuvMatrixBus = 0xD00040;  // limited YUV to full RGB
+inline constexpr uint32_t kMatrixSize = 32;
+inline constexpr uint8_t kTablesLoaded = 0x5A;
+
+// Values of the feature register of the HDR switch.
+inline constexpr uint8_t kSwitchHDR = 0x58;  // HDR10 and HLG alike
+inline constexpr uint8_t kSwitchDefault = 0xFF;
+
 // Lengths of the accesses that take just one.
 inline constexpr int kAllParameters = 25;  // from kHDRType on
 inline constexpr int kSomeParameters = 4;

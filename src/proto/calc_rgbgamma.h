@@ -87,10 +87,10 @@ const Value* FindValue(uint32_t reg, std::size_t length);
 
 // What storing `length` bytes from register `reg` on comes to.
 struct Piece {
-  bool fits = false;        // it ends inside the table or with it
-  uint32_t flash = 0;       // where it goes
-  bool endsTable = false;   // the table's tag is due
-  bool endsSet = false;     // it was the last table of the set, which is to be loaded
+  bool fits = false;            // it ends inside the table or with it
+  uint32_t flash = 0;           // where it goes
+  bool endsTable = false;       // the table's tag is due
+  bool endsSet = false;         // it was the last table of the set, which is to be loaded
   uint8_t deep_color_mode = 0;  // by which to load it
 };
 Piece PieceOf(const Table& table, uint32_t reg, std::size_t length);

@@ -211,7 +211,8 @@ TEST(Quivordctl, MonitorPrintsReportsAsOwdOfTheBoardsSlot) {
   SendReport(daemon, 0x0200001F, {0xAB, 0xCD});
   const RunResult result = run.get();
   EXPECT_EQ(result.status, 0) << result.err;
-  EXPECT_EQ(result.out, "0x14000000 01\n0x0200001F abcd\n");
+  EXPECT_EQ(result.out,
+            "0x14000000 01  ready: the FPGA is loaded and has its parameters\n0x0200001F abcd\n");
 }
 
 TEST(Quivordctl, MonitorEndsWith3WhenTheDaemonDies) {

@@ -1,24 +1,25 @@
 // Three whole days of a mixed plan, pass by pass, against a second form of its rules.
+#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <platform/system.h>
+
+#include <sys/mman.h>
+#include <unistd.h>
 
 #include <cstdlib>
-#include <deque>
 #include <fstream>
 
-#include "mcuctrace.h"
-#include "proto/addr_hardwarebrightnessadjust.h"
-#include "stub/mcuqmbthread.h"
+#include "board/cards.h"
+#include "stub/mcucmessagestruct_layout.h"
 #include "support/board_kit.h"
 #include "support/brightness_bytes.h"
-#include "support/inprocess.h"
+#include "support/loop.h"
+#include "support/slow_mix.h"
 
 namespace {
 
 using namespace ZEPH_MCUC;
+using loop::kSecond_us;
 
-constexpr int64_t kSecond_us = 1'000'000;
-constexpr int64_t kPass_us = 200'000;
 constexpr int64_t kDay_s = 86'400;
 constexpr int64_t kStart_s = 1'777'574'405;  // Thursday, 30 April 2026, 18:40:05
 constexpr int kPasses = 3 * 86'400 * 5;
@@ -33,7 +34,7 @@ std::string LightAt(int64_t seconds) {
   if (second % 7200 >= 1800 && second % 7200 < 1812) return "fail";
   if (second % 7200 >= 3600 && second % 7200 < 3680) return "fail";
   const int64_t fromNoon = std::abs(second - 43'200);
-  const int64_t lux = 24'000 - fromNoon + second / 60 % 5 * 900;
+  const int64_t lux = 24'000 - fromNoon + second / 10 % 7 * 900;
   return std::to_string(lux < 0 ? 0 : lux);
 }
 
@@ -53,173 +54,20 @@ brightness_bytes::Mix Plan() {
           .readings = 3};
 }
 
-// The rules a second time, in plain numbers: minutes of the day, days since 1970, and one pass
-// after the other.
-class SecondForm {
+// How many packets have gone to the first receiving card, as the board's folder shows it.
+class PacketCount {
  public:
-  explicit SecondForm(int64_t start_us) : plan_(Plan()), time_us_(start_us) {}
-
-  int64_t time_us() const { return time_us_; }
-
-  // The values that one pass sends.
-  std::vector<int> Pass(const std::string& light) {
-    sent_.clear();
-    if (passes_++ == 0) Start();
-    const int place = passes_ <= 100 ? passes_ : (passes_ - 101) % 99 + 2;
-    if (place % 5 == 0) CountSecond();
-    if (place % 10 == 0) LookAtClock();
-    if (place % 5 == 0 && place != 100) Act(light);
-    time_us_ += kPass_us;
-    return sent_;
+  PacketCount() {
+    board::CreateCards();
+    const int file = open((board_kit::Named() / "cards").c_str(), O_RDONLY);
+    bytes_ = static_cast<const uint8_t*>(mmap(nullptr, 48, PROT_READ, MAP_SHARED, file, 0));
+    close(file);
   }
+  uint32_t operator()() const { return DWQ_DECDW(bytes_ + 16 + 16); }
 
  private:
-  int64_t Second() const { return time_us_ / kSecond_us; }
-  int Minute() const { return static_cast<int>(Second() % kDay_s / 60); }
-  static int MinuteOf(const brightness_bytes::Node& node) { return node.hour * 60 + node.minute; }
-
-  // 1970 began on a Thursday.
-  bool Today(const brightness_bytes::Node& node, int64_t thursday) const {
-    return (node.weekdays >> (Second() / kDay_s + thursday) % 7 & 1) != 0;
-  }
-
-  void Start() {
-    std::size_t node = 0;
-    int best = 1441;
-    for (std::size_t i = 0; i < plan_.nodes.size(); ++i) {
-      const int ago = (Minute() - MinuteOf(plan_.nodes[i]) + 1440) % 1440;
-      if (plan_.nodes[i].valid != 0 && ago < best) {
-        best = ago;
-        node = i;
-      }
-    }
-    armed_ = (node + 1) % plan_.nodes.size();
-    if (!Today(plan_.nodes[node], 4)) return;
-    if (plan_.nodes[node].sensor) {
-      sensing_ = true;
-      return;
-    }
-    Send(plan_.nodes[node].percent * 255 / 100);
-    repeating_ = true;
-  }
-
-  void CountSecond() {
-    if (sensing_ && ++sinceReading_ == plan_.interval_s) {
-      sinceReading_ = 0;
-      readingDue_ = true;
-    }
-    if (repeating_ && ++sinceRepeat_ == 600) {
-      sinceRepeat_ = 0;
-      repeatDue_ = true;
-    }
-  }
-
-  void LookAtClock() {
-    if (Minute() != MinuteOf(plan_.nodes[armed_]) || Second() % 60 > 3) return;
-    if (!spent_) nodeDue_ = true;
-    spent_ = true;
-  }
-
-  void Act(const std::string& light) {
-    if (nodeDue_) Arrive();
-    if (readingDue_ && sensing_) Read(light);
-    if (repeatDue_) sent_.push_back(*last_);
-    repeatDue_ = false;
-  }
-
-  void Arrive() {
-    const brightness_bytes::Node node = plan_.nodes[armed_];
-    nodeDue_ = false;
-    if (node.valid == 1 && Today(node, 3)) {
-      sensing_ = node.sensor;
-      repeating_ = !node.sensor;
-      readings_.clear();
-      if (node.sensor) {
-        sinceReading_ = 0;
-      } else {
-        Go(node.percent * 255 / 100);
-        sinceRepeat_ = 0;
-      }
-      repeatDue_ = false;
-    }
-    armed_ = (armed_ + 1) % plan_.nodes.size();
-    spent_ = false;
-  }
-
-  void Read(const std::string& light) {
-    readingDue_ = false;
-    time_us_ += 2 * 2000;  // both sensors are waited for
-    const bool failed = light == "fail";
-    readings_.push_back(failed ? -1 : std::atoi(light.c_str()) / 2 * 2);
-    faults_ = failed ? faults_ + 1 : 0;
-    const bool full = readings_.size() == 3;
-    if (faults_ == 3) {
-      faults_ = 0;
-      readings_.clear();
-      Go(plan_.fallback * 255 / 100);
-    } else if (full && failed) {
-      readings_.clear();
-    } else if (full) {
-      std::sort(readings_.begin(), readings_.end());
-      // A failed one is the largest that the average leaves out; with two nothing is left.
-      const int fails = static_cast<int>(std::count(readings_.begin(), readings_.end(), -1));
-      if (fails < 2) Go(Percent(fails == 0 ? readings_[1] : readings_[2]) * 255 / 100);
-      readings_.clear();
-    }
-  }
-
-  int Percent(int lux) const {
-    const auto& map = plan_.map;
-    if (lux >= map.back().lux) return map.back().percent;
-    std::size_t right = 1;
-    while (map[right].lux < lux) ++right;
-    const brightness_bytes::Lux& a = map[right - 1];
-    const brightness_bytes::Lux& b = map[right];
-    return a.percent + std::max(0, (b.percent - a.percent) * (lux - a.lux) / (b.lux - a.lux));
-  }
-
-  void Go(int value) {
-    if (!last_.has_value() || *last_ == value) {
-      Send(value);
-      return;
-    }
-    while (*last_ != value) {
-      Send(*last_ + (*last_ < value ? 1 : -1));
-      time_us_ += 50'000;
-    }
-  }
-
-  void Send(int value) {
-    last_ = value;
-    sent_.push_back(value);
-  }
-
-  const brightness_bytes::Mix plan_;
-  int64_t time_us_;
-  int passes_ = 0;
-  std::vector<int> sent_;
-  std::optional<int> last_;
-  std::size_t armed_ = 0;
-  bool spent_ = false, nodeDue_ = false;
-  bool sensing_ = false, readingDue_ = false;
-  bool repeating_ = false, repeatDue_ = false;
-  int sinceReading_ = 0, sinceRepeat_ = 0, faults_ = 0;
-  std::vector<int> readings_;
+  const uint8_t* bytes_;
 };
-
-// The board's time; between passes the test moves it, within one the daemon's own waits do.
-int64_t BoardTime() {
-  timeval now{};
-  platform::GetTimeOfDay(&now, nullptr);
-  return now.tv_sec * kSecond_us + now.tv_usec;
-}
-
-void SetBoardTime(int64_t time_us) {
-  timeval now{};
-  now.tv_sec = time_us / kSecond_us;
-  now.tv_usec = time_us % kSecond_us;
-  ASSERT_EQ(platform::SetTimeOfDay(&now, nullptr), 0);
-}
 
 // All values that have gone to every card, in order.
 std::vector<int> SentToCards() {
@@ -234,35 +82,33 @@ std::vector<int> SentToCards() {
 }
 
 TEST(BrightnessDays, ThreeDaysOfAMixSendWhatTheRulesSay) {
-  setenv("TZ", "UTC0", 1);
-  g_logLevel = kLogNothing;
   board_kit::Configure("speed = 2000\ntrace = card\n");
-  inprocess::Start();
-  platform::KeepTime();
+  loop::Start(kStart_s);
   const auto file = Plan().Bytes();
   ASSERT_LE(file.size(), 512U);
   // Stored, as an earlier run left it: the first pass starts it.
   board_kit::StoreFlash(0xB8B000, file);
-  SetBoardTime(kStart_s * kSecond_us);
 
   // Written over in place: a file cut and filled anew thousands of times keeps a disk busy.
   board_kit::Put("sensors/lux", "0\n");
   std::fstream sensor(board_kit::Named() / "sensors/lux");
 
-  SecondForm rules(kStart_s * kSecond_us);
+  SlowMix rules(Plan(), kStart_s * kSecond_us);
   std::vector<int> wanted;
   std::string light;
   int passesThatSent = 0;
+  const PacketCount packets;
   for (int pass = 0; pass < kPasses; ++pass) {
     const std::string now = LightAt(rules.time_us() / kSecond_us);
     if (now != light) sensor.seekp(0) << now << '\n' << std::flush;
     light = now;
-    McuQMBThread::PollingPass();
-    SetBoardTime(BoardTime() + kPass_us);
+    loop::Pass();
     const auto sent = rules.Pass(light);
     wanted.insert(wanted.end(), sent.begin(), sent.end());
     passesThatSent += sent.empty() ? 0 : 1;
-    ASSERT_EQ(BoardTime(), rules.time_us()) << "what was sent in pass " << pass << " differs";
+    ASSERT_EQ(packets(), wanted.size()) << "what was sent in pass " << pass << " differs";
+    ASSERT_EQ(loop::BoardTime_us(), rules.time_us())
+        << "the time after pass " << pass << " differs";
   }
   EXPECT_EQ(SentToCards(), wanted);
   EXPECT_GT(passesThatSent, 500) << "the plan has hardly run";
