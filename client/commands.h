@@ -19,6 +19,10 @@ extern const Command kTimeCommand;
 extern const Command kFeatureCommand;
 extern const Command kStoreCommand;
 extern const Command kWallCommand;
+extern const Command kEdidCommand;
+extern const Command kInputsCommand;
+extern const Command kTimingCommand;
+extern const Command kScaleCommand;
 extern const Command kCardCommand;
 
 // In the order in which help lists them.

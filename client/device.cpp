@@ -67,6 +67,10 @@ Answer Device::Read(const FeatureRegister& row) {
   return answer;
 }
 
+Answer Device::Read(std::uint32_t address, std::uint16_t length) {
+  return ReadRegister(options_, *client_, address, length);
+}
+
 Answer Device::Write(const Change& change) {
   const auto deadline = steady_clock::now() + kSettleTime;
   Answer answer = WriteRegister(options_, *client_, change.address, change.data);

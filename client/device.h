@@ -49,6 +49,9 @@ class Device {
   // The bytes of one register.
   Answer Read(const ZEPH_MCUC::FeatureRegister& row);
 
+  // `length` bytes at any address.
+  Answer Read(std::uint32_t address, std::uint16_t length);
+
   // Writes, then reads until it shows, `kSettleTime` at most. `data` is what was read last; an
   // answer of `kRefused` with data says that it didn't show.
   Answer Write(const Change& change);
