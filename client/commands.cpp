@@ -8,6 +8,8 @@ std::span<const Command* const> Commands() {
   static constexpr const Command* kCommands[] = {
       &kStatusCommand,
       &kWallCommand,
+      &kCardCommand,
+      &kBrightnessCommand,
       &kOutputCommand,
       &kFeatureCommand,
       &kTimeCommand,

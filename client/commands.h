@@ -12,12 +12,14 @@ extern const Command kReadCommand;
 extern const Command kWriteCommand;
 extern const Command kMonitorCommand;
 extern const Command kPingCommand;
+extern const Command kBrightnessCommand;
 extern const Command kStatusCommand;
 extern const Command kOutputCommand;
 extern const Command kTimeCommand;
 extern const Command kFeatureCommand;
 extern const Command kStoreCommand;
 extern const Command kWallCommand;
+extern const Command kCardCommand;
 
 // In the order in which help lists them.
 std::span<const Command* const> Commands();

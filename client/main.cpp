@@ -1,5 +1,7 @@
 // quivordctl: asks the daemon of a board over its message bus, one command a call.
-#include <iostream>
+#include <cstdio>
+#include <exception>
+#include <string>
 #include <vector>
 
 #include "commands.h"
@@ -28,6 +30,16 @@ std::vector<Declared> DeclareAll(CLI::App& app) {
   return all;
 }
 
+// The command as far as the command line has named it: "quivordctl output".
+std::string Called(const CLI::App& app) {
+  std::string text = app.get_name();
+  for (const CLI::App* part = &app; !part->get_subcommands().empty();) {
+    part = part->get_subcommands().front();
+    text += " " + part->get_name();
+  }
+  return text;
+}
+
 ctl::Exit Run(const std::vector<Declared>& all, const ctl::OptionWords& words) {
   const ctl::Options options = ctl::Understand(words);
   ctl::Output out(options.json);
@@ -38,9 +50,7 @@ ctl::Exit Run(const std::vector<Declared>& all, const ctl::OptionWords& words) {
   return ctl::Exit::kWrongUse;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int Ctl(int argc, char** argv) {
   CLI::App app(kAbout, "quivordctl");
   app.require_subcommand(1);
   ctl::OptionWords words;
@@ -53,8 +63,19 @@ int main(int argc, char** argv) {
     return app.exit(shown);  // help
   } catch (const CLI::ParseError& error) {
     ctl::Output(words.json)
-        .Fault(std::string(error.what()) + "; see quivordctl --help",
+        .Fault(std::string(error.what()) + "; see " + Called(app) + " --help",
                static_cast<int>(ctl::Exit::kWrongUse));
     return static_cast<int>(ctl::Exit::kWrongUse);
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return Ctl(argc, argv);
+  } catch (const std::exception& fault) {  // out of memory and the like
+    std::fprintf(stderr, "quivordctl: %s\n", fault.what());
+    return static_cast<int>(ctl::Exit::kNoAnswer);
   }
 }

@@ -71,11 +71,10 @@ std::string HexDump(std::uint32_t address, const std::vector<std::uint8_t>& byte
       hexadecimal += Format(" %02x", bytes[i]);
       characters += Printable(bytes[i]);
     }
-    const std::size_t width = std::min(bytes.size(), kBytesPerLine) * 3;
-    hexadecimal.resize(width, ' ');
+    hexadecimal.resize(std::min(bytes.size(), kBytesPerLine) * 3, ' ');
     if (!text.empty()) text += '\n';
-    text += AddressText(address + static_cast<std::uint32_t>(begin)) + " " + hexadecimal + "  |" +
-            characters + "|";
+    text += AddressText(address + static_cast<std::uint32_t>(begin));
+    text.append(" ").append(hexadecimal).append("  |").append(characters).append("|");
   }
   return text;
 }

@@ -6,7 +6,6 @@
 namespace quivord::wall {
 namespace {
 
-using ZEPH_MCUC::kConnectionModes;
 using ZEPH_MCUC::kMostCabinetsOfPort;
 using ZEPH_MCUC::kMostCabinetsOfPorts;
 

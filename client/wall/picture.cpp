@@ -11,6 +11,7 @@ constexpr double kTitle = 118;  // height of title and what stands below it
 constexpr double kGap = 28;
 constexpr double kStagePad = 36;
 constexpr double kDimension = 36;  // room for the screen's size, above it and to its left
+constexpr double kAround = 2 * kStagePad + kDimension;  // what the stage takes around the screen
 
 constexpr double kPlateWidth = 232;
 constexpr double kMostPlateWidth = 292;
@@ -114,9 +115,6 @@ void PlaceScreen(Picture& picture) {
   picture.screen.y = picture.stage.y + kDimension + freeY / 2;
 }
 
-// What the stage takes around the screen.
-constexpr double kAround = 2 * kStagePad + kDimension;
-
 void ArrangeBeside(const Wall& wall, Picture& picture) {
   const double top = kMargin + kTitle;
   const double legend = ArrangeLegend(wall, 0, top, kPlateWidth, picture) - top;
@@ -140,6 +138,13 @@ void ArrangeBelow(const Wall& wall, Picture& picture) {
       ArrangeLegend(wall, kMargin, picture.stage.bottom() + kGap, width, picture) + kMargin;
 }
 
+// Where the `n`-th of things in rows of `across` begins, in steps to the right and down.
+Point InRows(std::size_t n, std::size_t across, double stepX, double stepY) {
+  const std::size_t column = n % across;
+  const std::size_t row = n / across;
+  return {static_cast<double>(column) * stepX, static_cast<double>(row) * stepY};
+}
+
 }  // namespace
 
 Box Picture::Cabinet(const Wall& wall, const Corner& corner) const {
@@ -150,13 +155,13 @@ Box Picture::Cabinet(const Wall& wall, const Corner& corner) const {
 Box Picture::Plate(std::size_t n) const {
   const double fit = (plates.width + kPlateGap) / static_cast<double>(platesAcross) - kPlateGap;
   const double plate = std::min(fit, kMostPlateWidth);
-  return {plates.x + static_cast<double>(n % platesAcross) * (plate + kPlateGap),
-          plates.y + static_cast<double>(n / platesAcross) * kPlateRow, plate, kPlateHeight};
+  const Point at = InRows(n, platesAcross, plate + kPlateGap, kPlateRow);
+  return {plates.x + at.x, plates.y + at.y, plate, kPlateHeight};
 }
 
 Box Picture::Socket(std::size_t n) const {
-  return {sockets.x + static_cast<double>(n % socketsAcross) * kSocketStep,
-          sockets.y + static_cast<double>(n / socketsAcross) * kSocketRow, kSocket, kSocket};
+  const Point at = InRows(n, socketsAcross, kSocketStep, kSocketRow);
+  return {sockets.x + at.x, sockets.y + at.y, kSocket, kSocket};
 }
 
 Picture Arrange(const Wall& wall) {

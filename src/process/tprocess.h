@@ -30,6 +30,13 @@ class Tprocess : public Singleton<Tprocess> {
   // tprocess_cardfiles.cpp
   static int Sprocess_RVConfigFileSpace(int lenth, char* data);
   static int Sprocess_SendRVConfigFile(int lenth, char* data);
+  // tprocess_colour.cpp
+  static int Sprocess_HDR10(int lenth, char* data);
+  static int Sprocess_HLG(int lenth, char* data);
+  static int Sprocess_PictureQualityCal(int lenth, char* data);
+  static int Sprocess_DisplayWarmUp(int lenth, char* data);
+  static int Sprocess_SenderRGBGamma(int lenth, char* data);
+  static int Sprocess_ScreenPatternGen(int lenth, char* data);
   // tprocess_small.cpp
   static int Sprocess_BasicData(int lenth, char* data);
   static int Sprocess_ReturnFactorySet(int lenth, char* data);

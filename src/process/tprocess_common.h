@@ -22,12 +22,16 @@ int RunHandler(const char* name, const char* data, Work work) {
 }
 
 // Logs what a block holds; more than 511 bytes are not shown.
-inline void LogPenetrate(const char* name, const PenetrateInfo& info) {
+inline void LogBytes(const char* name, std::span<const uint8_t> bytes) {
   if (!CTrace::Wanted(kLogInfo)) return;
   char text[1536];
-  Bytes2String(info.data.data(), info.length, text, sizeof(text));
-  MCUC_LOG(kLogInfo, name << " register = " << CTrace::hex << info.Register
-                          << " length = " << info.length << " " << text);
+  Bytes2String(bytes.data(), static_cast<int>(bytes.size()), text, sizeof(text));
+  MCUC_LOG(kLogInfo, name << " length = " << bytes.size() << " " << text);
+}
+
+inline void LogPenetrate(const char* name, const PenetrateInfo& info) {
+  MCUC_LOG(kLogInfo, name << " register = " << CTrace::hex << info.Register);
+  LogBytes(name, info.data);
 }
 
 // The same as `RunHandler` for a block that holds a register, a length and bytes, which are logged:

@@ -14,7 +14,7 @@ struct Handler {
   int (*function)(int length, char* data);
 };
 
-// Every kind of work that has a row. Those whose rooms aren't built yet have no handler.
+// Every kind of work that has a row.
 constexpr Handler kHandlers[] = {
     {HwBasicinfoKey, Tprocess::Sprocess_BasicData},
     {SaveSendCardParaKey, Tprocess::Sprocess_SaveSendCardPara},
@@ -23,11 +23,11 @@ constexpr Handler kHandlers[] = {
     {DoFeatureInfoKey, Tprocess::Sprocess_DoFeatureInfo},
     {CorrectionKey, Tprocess::Sprocess_Correction},
     {DoScreenInfoEchoKey, Tprocess::Sprocess_DoScreenInfoEcho},
-    {HDR10Key, nullptr},
-    {HLGKey, nullptr},
+    {HDR10Key, Tprocess::Sprocess_HDR10},
+    {HLGKey, Tprocess::Sprocess_HLG},
     {SenderTestPattenKey, Tprocess::Sprocess_SenderTestPatten},
-    {PictureQualityCalKey, nullptr},
-    {WarmUpKey, nullptr},
+    {PictureQualityCalKey, Tprocess::Sprocess_PictureQualityCal},
+    {WarmUpKey, Tprocess::Sprocess_DisplayWarmUp},
     {DoBackupInfoKey, Tprocess::Sprocess_DoBackupInfo},
     {CalculateParaOfSenderKey, Tprocess::Sprocess_CalculateParaOfSender},
     {AdvCalcParaOfSenderKey, Tprocess::Sprocess_AdvCalcParaOfSender},
@@ -36,11 +36,11 @@ constexpr Handler kHandlers[] = {
     {DoSoftwareTableKey, Tprocess::Sprocess_DoSoftwareTable},
     {DoEDIDSpaceKey, Tprocess::Sprocess_DoDoEDIDSpace},
     {ActiveReportingKey, Tprocess::Sprocess_ActiveReporting},
-    {SenderRGBGammaKey, nullptr},
+    {SenderRGBGammaKey, Tprocess::Sprocess_SenderRGBGamma},
     {doAdjustBrightnessKey, Tprocess::Sprocess_doAdjustBrightness},
     {SendCardMappingKey, Tprocess::Sprocess_doMappingForSender},
     {RVConfigFileSpaceKey, Tprocess::Sprocess_RVConfigFileSpace},
-    {ScreenPatternGenKey, nullptr},
+    {ScreenPatternGenKey, Tprocess::Sprocess_ScreenPatternGen},
     {SendtoScanCardKey, Tprocess::Sprocess_SendtoScanCard},
     {SendtoMultiCardKey, Tprocess::Sprocess_SendtoMultiCard},
     {SendtoDistributeKey, Tprocess::Sprocess_SendtoDistribute},

@@ -57,6 +57,8 @@ class Addr_HardWareBrightnessAdjust
   // Arms the node behind `RtcIndex`: 0 of the list of times, 1 of the mix. Where the mix's node
   // can't be read, the time that was armed before stands in.
   static void InsertInterruptTimeToQueue(u8 AdjustType);
+  // Weekday by calculation, 1 for Monday to 7 for Sunday, as arrivals of the mix count it.
+  static u8 NowTimeGetWeek();
   // Sends what node `node` of the list of times holds.
   static void ApplyListNode(std::size_t node);
 

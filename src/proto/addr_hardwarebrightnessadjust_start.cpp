@@ -166,6 +166,11 @@ void Brightness::InsertInterruptTimeToQueue(u8 AdjustType) {
   INT_Once = brightness::kArmed;
 }
 
+u8 Brightness::NowTimeGetWeek() {
+  const brightness::Moment now = Now();
+  return WeekdayOf(now.year, now.month, now.day);
+}
+
 void Brightness::ApplyListNode(std::size_t node) {
   const brightness::Image image = TheImage();
   const brightness::ListNode values = brightness::ListNodeAt(image, node);

@@ -41,18 +41,7 @@ bool AppliesAtStart(const MixNode& node, const Moment& now) {
 }
 
 bool AppliesAtArrival(const MixNode& node, const Moment& now) {
-  return node.valid == 1 && HasBit(node.weekdays, WeekdayByDate(now));
-}
-
-uint8_t WeekdayByDate(const Moment& now) {
-  int y = now.year;
-  int m = now.month;
-  if (m <= 2) {  // January and February count as months 13 and 14 of the year before
-    m += 12;
-    --y;
-  }
-  const int days = now.day + 2 * m + 3 * (m + 1) / 5 + y + y / 4 - y / 100 + y / 400;
-  return static_cast<uint8_t>(days % 7 + 1);
+  return node.valid == 1 && HasBit(node.weekdays, WeekdayOf(now.year, now.month, now.day));
 }
 
 ArmedLook LookAtArmed(uint8_t state, uint8_t hourBcd, uint8_t minuteBcd, const Moment& now) {

@@ -49,9 +49,6 @@ constexpr uint32_t NextInRing(uint32_t index, uint32_t count) {
 bool AppliesAtStart(const MixNode& node, const Moment& now);
 bool AppliesAtArrival(const MixNode& node, const Moment& now);
 
-// Weekday of a date: 1 for Monday to 7 for Sunday.
-uint8_t WeekdayByDate(const Moment& now);
-
 // Whether an armed time is still to come.
 enum Arming : uint8_t {
   kReached = 0,

@@ -58,25 +58,25 @@ std::string PortReport(const FeatureRegister& row, std::span<const uint8_t> byte
 std::string RegisterReport(const FeatureRegister& row, std::span<const uint8_t> bytes,
                            uint32_t skipped) {
   if (row.form == FeatureForm::kPortBits) return PortReport(row, bytes, skipped);
-  const bool whole = bytes.size() == row.width;
-  std::string text = std::string(row.name) + " ";
-  text += whole ? FeatureText(row, bytes) : BytesText(bytes);
-  if (whole && *row.unit != '\0') text.append(" ").append(row.unit);
-  return text;
+  const std::string name(std::string_view(row.name));
+  if (bytes.size() != row.width) {
+    return Text("%s, byte %u: ", name.c_str(), skipped) + BytesText(bytes);
+  }
+  const char* space = *row.unit == '\0' ? "" : " ";
+  return name + " " + FeatureText(row, bytes) + space + row.unit;
 }
 
-// Status cells are reported under the numbers of their cells; what clients write is passed on.
-const FeatureRegister* FindReported(uint32_t offset, std::size_t length) {
+// Status is reported under the number of its cell; what clients write and the daemon passes on lies
+// where no cell has a name.
+const FeatureRegister* FindReported(uint32_t offset) {
   const FeatureRegister* cell = FindFeatureAt(FeaturePlace::kCell, offset);
-  const FeatureRegister* image = FindFeatureAt(FeaturePlace::kImage, offset);
-  if (cell == nullptr || image == nullptr) return cell == nullptr ? image : cell;
-  return image->offset == offset && image->width == length && cell->width != length ? image : cell;
+  return cell != nullptr ? cell : FindFeatureAt(FeaturePlace::kImage, offset);
 }
 
 std::string FeatureReport(uint32_t offset, std::span<const uint8_t> data) {
   std::string text;
   while (!data.empty()) {
-    const FeatureRegister* row = FindReported(offset, data.size());
+    const FeatureRegister* row = FindReported(offset);
     if (row == nullptr) return "";
     const uint32_t skipped = offset - row->offset;
     const auto length = std::min<std::size_t>(row->width - skipped, data.size());

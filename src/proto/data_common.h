@@ -76,8 +76,10 @@ class Data_Global : public Singleton<Data_Global> {
   vu8 OptModuleLinkSta;
   vu16 ReceiveCardWidth{kDefaultCardSize};  // pixels of one receiving card, until one was read
   vu16 ReceiveCardHeight{kDefaultCardSize};
-  vu8 _gCorroentHighSpeed;  // 1 in high-speed correction mode
-  vu8 LinkStateChanged;     // passes of the loop since a link changed
+  vu8 _gCorroentHighSpeed;          // 1 in high-speed correction mode
+  vu8 LinkStateChanged;             // passes of the loop since a link changed
+  vu8 ChangeParaForKeepWarmUpMode;  // the warm-up setting, for whoever starts one
+  vu8 ParaForKeepWarmUpModeTimeData;
 
   // The tag of a store that has been saved to, and of stored tables.
   static constexpr std::array<uint8_t, 4> IsNewFlashTag = {0x39, 0xF6, 0xA5, 0x5A};
@@ -89,6 +91,10 @@ class Data_Global : public Singleton<Data_Global> {
   int32_t WriteFeatureBus(uint32_t offset, std::span<const uint8_t> bytes);
   // Takes `length` bytes of the image from the FPGA. 0; -1 on failure, and the image is as before.
   int32_t RefreshFromFeatureBus(uint32_t offset, uint32_t length);
+  // Puts what a client writes into the image. Until the end of the write a refresh leaves these
+  // bytes alone, since the FPGA doesn't hold them yet, or never does. Work thread.
+  void BeginFeatureWrite(uint32_t offset, std::span<const uint8_t> bytes);
+  void EndFeatureWrite();
   // Fills the image from what was stored. With the FPGA online the image is ahead of the FPGA from
   // here on until a block of it has gone there: a refresh in between reads and takes nothing.
   void LoadFeatureImage(std::span<const uint8_t, 512> image);
@@ -113,7 +119,8 @@ class Data_Global : public Singleton<Data_Global> {
   void SaveBasicParaToFlash();
   // Writes `Length` bytes in pages of 256, the rest last. The last write's result.
   int32_t CopyConstDataToFlash(uint32_t SpiAddress, const uint8_t* wrindata, uint32_t Length);
-  // Reads `into.size()` bytes, 5120 at most, of the source `sel`; zeros where they can't be read.
+  // Reads `into.size()` bytes, 5120 at most, of the source `sel`; they stay where they can't be
+  // read.
   void RestoreDataFromFlash(uint8_t sel, std::span<uint8_t> into);
   // Two values, width and height in pixels. 0 where both are stored and not 0, else -1; a card size
   // of 0 then reads as 128.
@@ -126,10 +133,9 @@ class Data_Global : public Singleton<Data_Global> {
   // Leaves a line for a service engineer where the screen's width or height is 0.
   void DebugForScreenZero(uint16_t use_point, uint32_t addrs, const char* despString);
 
-  // --- Ports (data_store_screen.cpp)
-  // ----------------------------------------------------------------- Values of port 0 to 15 in the
-  // feature image, in pixels; offset Y for ports 0 to 9. Any other port changes nothing. None
-  // touches the FPGA.
+  // --- Ports (data_store_screen.cpp) ------------------------------------------------------------
+  // Values of port 0 to 15 in the feature image, in pixels; offset Y for ports 0 to 9. Any other
+  // port changes nothing. None touches the FPGA.
 
   void PortWidthUpdate(uint8_t port, uint16_t value);
   void PortHeightUpdate(uint8_t port, uint16_t value);
@@ -165,8 +171,7 @@ class Data_Global : public Singleton<Data_Global> {
   // Flash into the arrays and, once the FPGA is online, the arrays into the FPGA.
   void RestoreFPGA();
 
-  // --- Identity (data_identity.cpp)
-  // ---------------------------------------------------------------
+  // --- Identity (data_identity.cpp) -------------------------------------------------------------
 
   // At start: makes flash and environment store agree on the serial number.
   void SNTransfer();
@@ -180,20 +185,17 @@ class Data_Global : public Singleton<Data_Global> {
   // At start: reads the basic area and renews its fixed bytes.
   void ReadHardwareInfo();
 
-  // --- Configuration files of the cards (data_cardfiles.cpp); work thread
-  // -------------------------- Each sends the packs of one file to all cards, with the pauses that
-  // belong to it, and ends at the first pack that is too long.
+  // --- Configuration files of the cards (data_cardfiles.cpp); work thread -----------------------
+  // Each sends the packs of one file to all cards, with the pauses that belong to it, and ends at
+  // the first pack that is too long. `DriverUtil::LoadRvCfgToRecvCard` sends a file from disk.
 
-  // A numbered file on disk. 0.
-  int32_t LoadRvCfgToRecvCard(uint32_t load_index);
-  // A file of the image in flash. 0.
+  // A file of the image in flash; what would lie outside the image ends it. 0.
   int32_t LoadRvCfgFromFlash(uint8_t number);
   // A package file at device path `buff`, which has a form of its own. 0, or -1 where a package is
   // too long, doesn't move on, or can't be read.
   int LoadRecvCardFile(const char* buff);
 
-  // --- Factory reset (data_factory.cpp); flag thread
-  // ----------------------------------------------
+  // --- Factory reset (data_factory.cpp); flag thread --------------------------------------------
 
   // Prepares the store that the device has after its next reboot; `type` says what is kept. 0.
   int ReturnFactory(uint8_t type);
@@ -204,6 +206,21 @@ class Data_Global : public Singleton<Data_Global> {
 
   // Everything that a write of `len` bytes at the feature register `addr` sets off.
   void DoWriteFeatureInfo(uint32_t addr, uint16_t len, const uint8_t* data);
+
+  // --- Colour (data_colour.cpp); work thread ----------------------------------------------------
+  // What the FPGA doesn't take is logged below and nothing else is done about it.
+
+  // Loads the gamma tables of a mode into the FPGA and sets its switches: 0x58 is HDR10, 0x78 HLG,
+  // both calculated from the `ParaTable` slots; any other is the default mode.
+  void SendCardHDRProcess(uint8_t HDRType);
+  // Loads the stored tables, of 12 bits for 0x78 and else of 10, with the built-in one for each
+  // colour that has none. With another mode than the default in `PbufHDRType` nothing is loaded.
+  void SendGammaToFpga(uint8_t deep_color_mode);
+  // Calculates both colour matrices from the slots and loads them. `Mode` is 0.
+  void PictureQualityProcess(uint8_t Mode);
+  // Takes the screen's size and the phases into `gHardwareScreenGenReg`, sends it to the FPGA and
+  // lets it take effect there. Blocks of no width or height are logged and nothing is sent.
+  void ScreenPatternGenProcess(SharedBytes<512>* gHardwareScreenGenReg);
 
   // --- Reports (data_report.cpp); any thread ----------------------------------------------------
   // Each sends one frame at once; a failure is logged and the report is lost.
@@ -240,6 +257,8 @@ class Data_Global : public Singleton<Data_Global> {
   // refresh never undoes a write that is on its way. Held for one bus transfer at a time.
   CMutexThread m_featureBus;
   bool m_imageAhead MCUC_GUARDED_BY(m_featureBus) = false;  // see `LoadFeatureImage`
+  uint32_t m_writeBegin MCUC_GUARDED_BY(m_featureBus) = 0;  // see `BeginFeatureWrite`
+  uint32_t m_writeEnd MCUC_GUARDED_BY(m_featureBus) = 0;
 };
 
 class Data_Preset : public Singleton<Data_Preset> {

@@ -230,7 +230,8 @@ void Data_Global::BootRecover() {
 void Data_Global::RestoreFPGA() {
   MCUC_LOG(kLogInfo,
            "============================== Begin Restore FPGA ===============================");
-  std::array<uint8_t, feature::kSize> image{};
+  // What can't be read stays: zeros at start, and later what a first boot is about to store.
+  auto image = SendParameterReg.snapshot<feature::kSize>(0);
   RestoreDataFromFlash(kRestoreFeature, image);
   LoadFeatureImage(image);
   RebootRF = EN_NOT_REBOOT;

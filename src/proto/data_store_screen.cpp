@@ -14,7 +14,7 @@
 namespace ZEPH_MCUC {
 namespace {
 
-constexpr std::size_t kStaging = 5120;  // bytes that one restore moves at most
+constexpr std::size_t kMostRestored = 5120;  // bytes
 
 // Two 32-bit values, width and height, as they are stored.
 std::array<uint8_t, 8> SizeBytes(uint32_t width, uint32_t height) {
@@ -61,14 +61,12 @@ int ReadSize(uint32_t address, const SizeTexts& texts, uint32_t* size) {
 void Data_Global::RestoreDataFromFlash(uint8_t sel, std::span<uint8_t> into) {
   MCUC_LOG(kLogInfo,
            "========================== Begin restore data from flash ========================");
-  std::array<uint8_t, kStaging> staging{};
-  const auto length = static_cast<uint32_t>(std::min(into.size(), staging.size()));
+  const auto length = static_cast<uint32_t>(std::min(into.size(), kMostRestored));
   const uint32_t address = sel == kRestoreFeature ? flash::kFeature : flash::kBasicInfo;
   if (sel == kRestoreFeature) {
     MCUC_LOG(kLogInfo, "=======Restore FPGA from flash RegesiterAddr = " << CTrace::hex << address);
   }
-  DriverUtil::getInstance()->ReadBytesFromFlash(address, length, staging.data());
-  std::copy_n(staging.begin(), length, into.begin());
+  DriverUtil::getInstance()->ReadBytesFromFlash(address, length, into.data());
   MCUC_LOG(kLogInfo,
            "========================== Finish restore data from flash =======================");
 }
@@ -133,11 +131,27 @@ int32_t Data_Global::WriteFeatureBus(uint32_t offset, std::span<const uint8_t> b
 
 int32_t Data_Global::RefreshFromFeatureBus(uint32_t offset, uint32_t length) {
   std::array<uint8_t, feature::kSize> bytes;
-  length = std::min(length, feature::kSize);
+  length = std::min(length, feature::kSize - std::min(offset, feature::kSize));
   const CMutexGuardT guard(m_featureBus);
   const int32_t result = DriverUtil::getInstance()->ReadFPGABusBlock(offset, bytes.data(), length);
-  if (result >= 0 && !m_imageAhead) SendParameterReg.write(offset, {bytes.data(), length});
+  if (result < 0 || m_imageAhead) return result;
+  for (uint32_t i = 0; i < length; ++i) {
+    const uint32_t at = offset + i;
+    if (at < m_writeBegin || at >= m_writeEnd) SendParameterReg[at] = bytes[i];
+  }
   return result;
+}
+
+void Data_Global::BeginFeatureWrite(uint32_t offset, std::span<const uint8_t> bytes) {
+  const CMutexGuardT guard(m_featureBus);
+  SendParameterReg.write(offset, bytes);
+  m_writeBegin = offset;
+  m_writeEnd = offset + static_cast<uint32_t>(bytes.size());
+}
+
+void Data_Global::EndFeatureWrite() {
+  const CMutexGuardT guard(m_featureBus);
+  m_writeBegin = m_writeEnd = 0;
 }
 
 void Data_Global::LoadFeatureImage(std::span<const uint8_t, feature::kSize> image) {

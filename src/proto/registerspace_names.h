@@ -19,7 +19,7 @@ struct TopRow {
 
 // A row of a space's own table: the address after the space's mask, short name, description.
 // `cmdStr` and `cmdExp` are shown and logged as they stand.
-struct RowNames {
+struct RowNames {  // NOLINT(*.Padding): in the order in which a row is read
   uint32_t key;
   const char* cmdStr;
   const char* cmdExp;

@@ -9,12 +9,15 @@
 #include "proto/addr_edidspaceregister.h"
 #include "proto/addr_featureregister.h"
 #include "proto/addr_hardwarebrightnessadjust.h"
+#include "proto/addr_hcinteractionregister.h"
 #include "proto/addr_hwbasicinforegister.h"
 #include "proto/addr_intelligentbrightnessregister.h"
 #include "proto/addr_numberfuncardportregister.h"
 #include "proto/addr_plugincardinforegister.h"
+#include "proto/addr_rgbgammaregister.h"
 #include "proto/addr_rvconfigfilespace.h"
 #include "proto/addr_screeninfoechoregister.h"
+#include "proto/addr_screenpatterngenregister.h"
 #include "proto/addr_shortcutconfigscreenregister.h"
 #include "proto/addr_softwaretableregister.h"
 #include "proto/addr_testprinfregister.h"
@@ -41,6 +44,7 @@ constexpr TopEntry kEntries[] = {
     Entry<Addr_CMDRegister, kCommandSpace>(),
     Entry<Addr_FeatureRegister, kFeatureSpace>(),
     Entry<Addr_ScreenInfoEchoRegister, kScreenInfoEchoSpace>(),
+    Entry<Addr_HCInteractionRegister, kHCInteractionSpace>(),
     Entry<Addr_BackupInfoRegister, kBackupInfoSpace>(),
     Entry<Addr_IntelligentBrightnessRegister, kIntelligentBrightnessSpace>(),
     Entry<Addr_CabinetRotationRegister, kCabinetRotationSpace>(),
@@ -51,6 +55,8 @@ constexpr TopEntry kEntries[] = {
     Entry<Addr_EDIDSpaceRegister, kEDIDSpace>(),
     Entry<Addr_HardWareBrightnessAdjust, kBrightnessSpace>(),
     Entry<Addr_TestPrinfRegister, kTestPrinfSpace>(),
+    Entry<Addr_RGBGammaRegister, kRGBGammaSpace>(),
+    Entry<Addr_ScreenPatternGenregister, kScreenPatternGenSpace>(),
     Entry<Addr_RVConfigFileSpace, kRVConfigFileSpace>(),
     Entry<Addr_CardProgmaSpaceRegister, kCardProgmaSpace>(),
 };

@@ -27,6 +27,16 @@ inline void Put(const std::string& path, const std::string& text) {
   std::ofstream(Named() / path) << text;
 }
 
+// Puts bytes into the live store at `address`, as an earlier run left them; after the board is set
+// up.
+inline void StoreFlash(std::uint32_t address, const std::vector<std::uint8_t>& bytes) {
+  std::fstream store(Named() / "usr/zeph/etc/envcfg/brmpara",
+                     std::ios::in | std::ios::out | std::ios::binary);
+  store.seekp(address);
+  store.write(reinterpret_cast<const char*>(bytes.data()),
+              static_cast<std::streamsize>(bytes.size()));
+}
+
 // Puts a script in a stand-in's place.
 inline void PutProgram(const std::string& path, const std::string& script) {
   std::filesystem::remove(Named() / path);

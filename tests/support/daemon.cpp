@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <system_error>
@@ -39,6 +40,10 @@ Start HowToStart(const Daemon::Options& options, int output) {
               .environment = {"QUIVORD_BOARD=" + options.board.string()},
               .out = output,
               .err = output};
+  // Under the thread sanitizer a report ends the daemon, so that a test notices.
+  if (std::getenv("TSAN_OPTIONS") == nullptr) {
+    start.environment.emplace_back("TSAN_OPTIONS=halt_on_error=1");
+  }
   start.command.insert(start.command.end(), options.arguments.begin(), options.arguments.end());
   start.environment.insert(start.environment.end(), options.environment.begin(),
                            options.environment.end());
@@ -69,11 +74,6 @@ bool Daemon::WaitUntilItAnswers() {
 void Daemon::Kill() {
   process_.Signal(SIGKILL);
   process_.Wait(std::chrono::seconds(30));
-}
-
-std::filesystem::path Daemon::OutputOf(const std::filesystem::path& board) {
-  std::filesystem::path path = board;
-  return path += ".output";
 }
 
 std::string Daemon::OutputText() const {

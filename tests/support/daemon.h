@@ -35,7 +35,7 @@ class Daemon {
 
   pid_t pid() const { return process_.pid(); }
   const std::filesystem::path& board() const { return options_.board; }
-  std::filesystem::path output() const { return OutputOf(options_.board); }
+  std::filesystem::path output() const { return options_.board / "output.txt"; }
 
   // What it has said so far.
   std::string OutputText() const;
@@ -44,8 +44,6 @@ class Daemon {
   quivord::Result<std::unique_ptr<quivord::Client>> Connect(std::uint32_t id) const;
 
  private:
-  static std::filesystem::path OutputOf(const std::filesystem::path& board);
-
   const Options options_;
   Process process_;
 };

@@ -47,6 +47,10 @@ std::string WithoutPlace(const std::string& line) {
 void Begin(const std::string& traced, const std::string& configuration) {
   setenv("TZ", "UTC", 1);
   board_kit::Configure("speed = 2000\ntrace = " + traced + "\n" + configuration);
+  Join();
+}
+
+void Join() {
   inprocess::Start();
   static const bool joined = mbus_init(TaskId(cardsel_bit_self(), task::kQuivord), 0) == 0;
   static_cast<void>(joined);

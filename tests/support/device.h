@@ -14,6 +14,8 @@ namespace device {
 // Sets the board up fast and with these kinds traced, and joins the daemon without threads but with
 // its bus, so that reports are sent. First thing in a test; more lines of board.conf may follow.
 void Begin(const std::string& traced, const std::string& configuration = "");
+// The second half of that, on a board as it stands.
+void Join();
 
 // Bytes as hexadecimal text.
 std::string Hex(std::span<const std::uint8_t> bytes);

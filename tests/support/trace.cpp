@@ -60,6 +60,9 @@ std::string Compact(const std::string& line) {
     const std::string store = words[2] == "live" ? "" : " " + words[2];
     return Access("flash " + words[1] + store, words, 3);
   }
+  if (words[0] == "edid") {
+    return "edid " + words[1] + " " + words[2] + (words[3] == "-" ? " fail" : "");
+  }
   if (words[0] == "bus" && words[1] == "<") return Report(words);
   if (line.starts_with("shell 0 ")) return "shell " + line.substr(8);
   return line;

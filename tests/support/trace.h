@@ -7,6 +7,7 @@
 //   shell sync                 a command that succeeded; another with its status: shell 1 ...
 //   owd 0x020001d7 01          a report, by its receiver; replies to requests are left out
 //   fpga W 0x28 x4 fail        an access that failed
+//   edid W 0x0010              an input board's EDID, without its bytes
 //
 // Other kinds stand as in the trace.
 #pragma once

@@ -4,6 +4,7 @@
 #include <platform/flash.h>
 #include <platform/fpga.h>
 #include <platform/info.h>
+#include <platform/inputsource.h>
 #include <platform/network.h>
 #include <platform/recvcard.h>
 #include <platform/system.h>
@@ -56,6 +57,15 @@ bool EnvOpen() {
   envcfg_closeenv();
   return done;
 }
+bool EdidRead() {
+  std::array<std::uint8_t, 256> image{};
+  std::uint16_t length = image.size();
+  return ll_input_get_edid(0x0010, image.data(), &length) == ll_ret_ok;
+}
+bool EdidWrite() {
+  const std::array<std::uint8_t, 256> image{};
+  return ll_input_set_edid(0x0010, image.data(), image.size()) == ll_ret_ok;
+}
 bool NetMode() { return ifcfg_set_eth_mode(0) == 0; }
 bool NetAddress() { return ifcfg_set_curr_ip("192.168.0.10", "255.255.255.0", "192.168.0.1") == 0; }
 bool ClockChip() {
@@ -81,6 +91,7 @@ constexpr Access kAccesses[] = {
     {Fault::kCardRead, CardRead},       {Fault::kCardWrite, CardWrite},
     {Fault::kEnvOpen, EnvOpen},         {Fault::kNet, NetMode},
     {Fault::kNet, NetAddress},          {Fault::kClockChip, ClockChip},
+    {Fault::kEdidRead, EdidRead},       {Fault::kEdidWrite, EdidWrite},
 };
 
 TEST(BoardFaults, EachFailsItsAccessesAndNoOthers) {

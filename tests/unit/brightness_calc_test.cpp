@@ -253,7 +253,7 @@ TEST(BrightnessLux, MapAgreesWithWholeNumbers) {
     std::ranges::sort(map, {}, &LuxItem::lux);
     const auto lux = static_cast<uint16_t>(random() % 60000);
     const auto right = std::ranges::lower_bound(map, lux, {}, &LuxItem::lux);
-    if (right == map.begin() || right == map.end()) continue;
+    if (right == map.begin() || lux >= map.back().lux) continue;
     const auto left = right - 1;
     const int run = right->lux - left->lux;
     const int rise = std::max(0, right->percent - left->percent) * (lux - left->lux);

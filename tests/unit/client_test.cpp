@@ -129,6 +129,7 @@ TEST_F(ClientTest, RepliesInAnyOrderReachTheirRequests) {
     }));
     if (i % 50 != 49) continue;
     std::vector<Bytes> requests;
+    requests.reserve(50);
     for (int k = 0; k < 50; ++k) requests.push_back(NextRequest());
     std::reverse(requests.begin(), requests.end());
     for (const Bytes& request : requests) {
@@ -239,7 +240,7 @@ TEST_F(ClientTest, DaemonThatDiesEndsEveryRequest) {
   std::atomic<int> ended{0};
   for (int i = 0; i < 20; ++i) {
     ASSERT_TRUE(
-        client_->Start({.address = kRegister, .length = 1}, kLong, [&](Result<Reply> reply) {
+        client_->Start({.address = kRegister, .length = 1}, kLong, [&](const Result<Reply>& reply) {
           if (!reply && reply.error().trouble == Trouble::kDisconnected) ++ended;
         }));
   }
@@ -259,7 +260,7 @@ TEST_F(ClientTest, DaemonThatDiesEndsEveryRequest) {
 TEST_F(ClientTest, DestructionEndsWhatIsInFlight) {
   std::atomic<int> ended{0};
   ASSERT_TRUE(client_->Start({.address = 1, .length = 1}, kLong,
-                             [&](Result<Reply> reply) { ended += reply ? 0 : 1; }));
+                             [&](const Result<Reply>& reply) { ended += reply ? 0 : 1; }));
   client_.reset();
   EXPECT_EQ(ended, 1);
   EXPECT_FALSE(ended_);
@@ -339,6 +340,7 @@ TEST(ClientConnect, NoDaemonAndTooLongAPathAreToldApart) {
 
 TEST(ClientAck, EveryAckHasWordsOfItsOwn) {
   std::vector<std::string_view> texts;
+  texts.reserve(9);
   for (int ack = 0; ack < 9; ++ack)
     texts.push_back(quivord::AckText(static_cast<std::uint8_t>(ack)));
   std::sort(texts.begin(), texts.end());

@@ -190,9 +190,10 @@ TEST(ReportWords, SayWhatChanged) {
        "port-0-role master, port-1-role backup, port-2-role master, port-3-role master"},
       {0x020001F0, {0xCE, 0xFF, 0xFF, 0xFF, 0x14, 0, 0, 0}, "bypass-offset -50,20 px"},
       {0x020001DA, {0x03}, "fiber-copy 0x03"},
-      {0x020001F8, {0x01}, "bypass on"},
-      {0x020001F8, {0x01, 0x00}, ""},  // runs into a byte without a name
-      {0x020001EC, {0x01}, "screen-width 0x01"},
+      {0x020001F8, {0x01}, "fiber-redundancy, byte 2: 0x01"},
+      {0x020001E1, {0x80}, "fiber-to-net, byte 1: 0x80"},
+      {0x020001FB, {0x01, 0x00}, ""},  // runs into a byte without a name
+      {0x0200009C, {0x01}, "correction 1"},
       {0x02100006, {0x80, 0x00}, ""},
       {0x02000200, {0x01}, ""},
       {0x07000000, {0x01}, ""},

@@ -344,6 +344,7 @@ TEST_F(MessageBus, SilentConnectionsKeepNobodyOut) {
   setrlimit(RLIMIT_NOFILE, &files);
   RawPeer alice = Connect(kAlice);
   std::vector<RawPeer> silent;
+  silent.reserve(700);
   for (int i = 0; i < 700; ++i) silent.emplace_back(board_kit::Named(), 0);
   RawPeer bob = Connect(kBob);
   ASSERT_TRUE(bob.Send(Message({1}, 0, 5)));

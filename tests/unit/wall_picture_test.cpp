@@ -100,8 +100,8 @@ class Pixels {
   bool Readable() const { return cairo_surface_status(surface_) == CAIRO_STATUS_SUCCESS; }
 
   bool IsAt(const Point& point, const Colour& colour) const {
-    const auto x = static_cast<int>(point.x * kScale);
-    const auto y = static_cast<int>(point.y * kScale);
+    const auto x = static_cast<std::ptrdiff_t>(point.x * kScale);
+    const auto y = static_cast<std::ptrdiff_t>(point.y * kScale);
     const unsigned char* pixel = cairo_image_surface_get_data(surface_) +
                                  y * cairo_image_surface_get_stride(surface_) + x * 4;
     const auto close = [](unsigned char is, double should) {

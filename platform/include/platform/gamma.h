@@ -23,8 +23,9 @@ enum COLORSPACECONVERT {
 };
 
 // The table for HDR10 (SMPTE ST 2084). `peak_light` of the screen in cd/m2, 1 up; `ambient_light`
-// in lux; `brightness` in percent; `bits` of the FPGA's output, 10; `low_gray` and `high_gray`, the
-// strength of the effect at both ends.
+// in lux; `brightness` in percent, 0 where nobody knows; `bits` of the signal, which stand in the
+// upper bits of an input code, 10; `low_gray` and `high_gray`, the strength of the effect at both
+// ends.
 int32_t HDR10GammaCalculation(uint16_t peak_light, uint16_t ambient_light, uint8_t brightness,
                               int32_t bits, uint8_t low_gray, uint8_t high_gray, uint8_t* table);
 

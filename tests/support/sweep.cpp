@@ -1,0 +1,244 @@
+#include "support/sweep.h"
+
+#include <algorithm>
+#include <fstream>
+
+#include "board/envstore.h"
+#include "board/faults.h"
+#include "board/files.h"
+#include "board/journal.h"
+#include "board/power.h"
+#include "board/stores.h"
+#include "support/board_kit.h"
+#include "support/child.h"
+#include "support/device.h"
+#include "support/inprocess.h"
+
+namespace sweep {
+namespace {
+
+using board::Fault;
+using board::FaultRow;
+using board::SetFaultCount;
+using support::Complain;
+using support::InChild;
+
+constexpr int kFar = 1 << 30;  // more accesses than any operation makes
+constexpr int kMostOnce = 4;   // of a kind, in a bounded sweep
+constexpr int kMostCuts = 8;
+constexpr int kSeeds = 2;    // of lost writes at each cut
+constexpr int kRetries = 3;  // tries of an FPGA or flash access
+
+std::string EnvFile() { return board::Folder() / "usr/zeph/etc/envcfg/env"; }
+
+void ClearTrace() { std::ofstream(board_kit::Named() / "trace.log", std::ios::trunc); }
+
+// What is wrong with a run, or empty.
+std::string Outcome(const support::ChildResult& run) {
+  return run.status == 0 ? run.complaints : "ended with " + std::to_string(run.status);
+}
+
+// What an operation leaves in the FPGA: the feature page, the number and the position tables.
+std::string FpgaContent(const Operation& operation) {
+  return device::Fpga(0x18, operation.pageEnd - 0x18) + device::Fpga(0x500000, 0x200) +
+         device::Fpga(0x501000, 0x80) + device::Fpga(0x502000, 0x80) +
+         device::Fpga(0x600000, 0xA000);
+}
+
+void ClearFaults() {
+  for (const FaultRow& row : board::kFaultTable) SetFaultCount(row.fault, 0);
+}
+
+int Tries(Fault fault) { return fault <= Fault::kFlashWrite ? kRetries : 1; }
+
+// `count` numbers from 1 up, or where those are more than `most`, that many of them with both ends.
+std::vector<int> Pick(int count, int most) {
+  std::vector<int> picked;
+  const int wanted = std::min(count, most);
+  for (int i = 0; i < wanted; ++i) {
+    picked.push_back(wanted == 1 ? 1 : 1 + i * (count - 1) / (wanted - 1));
+  }
+  return picked;
+}
+
+class Sweep {
+ public:
+  Sweep(const Operation& operation, const Choice& choice)
+      : operation_(operation), choice_{choice.only, choice.bounded && choice.only.empty()} {
+    board_kit::Configure("speed = 2000\ntrace = flash\n");
+    board::CreateStores();
+    const std::string factory = board::FactoryImage();
+    PutStore({reinterpret_cast<const std::uint8_t*>(factory.data()), factory.size()});
+    board::ReplaceWhole(EnvFile(), "");
+    operation_.prepare();
+    env_ = board::ReadWhole(EnvFile()).value_or("");
+    before_.assign(Store().begin(), Store().end());
+  }
+
+  std::vector<std::string> Run() {
+    if (!TakeReference()) return failures_;
+    for (const FaultRow& row : board::kFaultTable) {
+      if (row.fault < Fault::kFlashCut) SweepFault(row);
+    }
+    SweepCuts();
+    return failures_;
+  }
+
+ private:
+  // The board as it was in front of the operation, with power just come.
+  void PutBack(View store, const std::string& env) {
+    ClearFaults();
+    PutStore(store);
+    board::ReplaceWhole(EnvFile(), env);
+    board::ForgetWrites();
+    ClearTrace();
+    board::PowerUp();
+  }
+  void PutBack() { PutBack(before_, env_); }
+
+  // In a child: the daemon comes up.
+  void Start() const {
+    device::Join();
+    device::Restore(false);
+    if (operation_.online) device::Restore(true);
+  }
+
+  // In a child: the daemon answers.
+  static void Probe() {
+    constexpr std::uint32_t kShortcut = 0x02810000;  // from flash; changes nothing in memory
+    if (inprocess::Read(kShortcut, 4).m_data.size() != 4) Complain("doesn't serve; ");
+  }
+
+  // In a child: the operation, undisturbed, ends in the right state.
+  void Finish() const {
+    operation_.act();
+    const std::string wrong = Difference(Store(), after_, operation_.regions);
+    if (!wrong.empty()) Complain("done once more: " + wrong + "; ");
+    if (FpgaContent(operation_) != fpga_) Complain("done once more: the FPGA differs; ");
+  }
+
+  bool TakeReference() {
+    PutBack();
+    const auto run = InChild([&] {
+      Start();
+      ClearTrace();
+      operation_.act();
+    });
+    writes_ = TracedWrites(board_kit::TraceLines());
+    after_.assign(Store().begin(), Store().end());
+    fpga_ = FpgaContent(operation_);
+    Expect("undisturbed", Outcome(run));
+    Expect("undisturbed", Recount(writes_, operation_.regions));
+    Expect("undisturbed", Judge(after_, before_, writes_, operation_.regions, {}));
+    PutBack();
+    Expect("twice", Outcome(InChild([&] {
+             Start();
+             operation_.act();
+             Finish();
+           })));
+    return failures_.empty();
+  }
+
+  // How many accesses of a kind the operation makes.
+  int CountAccesses(Fault fault) {
+    PutBack();
+    InChild([&] {
+      Start();
+      SetFaultCount(Fault::kSkip, kFar);
+      SetFaultCount(fault, 1);
+      operation_.act();
+    });
+    return kFar - board::FaultCount(Fault::kSkip);
+  }
+
+  void SweepFault(const FaultRow& row) {
+    const std::string name(row.name);
+    if (choice_.only.find(":" + name) == std::string::npos && !choice_.only.empty()) return;
+    const int count = CountAccesses(row.fault);
+    if (count == 0) return;
+    for (const int n : Pick(count, choice_.bounded ? kMostOnce : count)) {
+      const std::string id = "once:" + name + ":" + std::to_string(n);
+      if (Wanted(id)) RunFault(id, row.fault, n - 1, Tries(row.fault));
+    }
+    if (Wanted("forever:" + name)) RunFault("forever:" + name, row.fault, 0, -1);
+  }
+
+  void RunFault(const std::string& id, Fault fault, int passing, int failing) {
+    PutBack();
+    const auto run = InChild([&] {
+      Start();
+      SetFaultCount(Fault::kSkip, passing);
+      SetFaultCount(fault, failing);
+      operation_.act();
+      if (board::FaultCount(fault) > 0) Complain("the access was not reached; ");
+      ClearFaults();
+      Probe();
+      if (std::ranges::count(operation_.lasting, id) != 0) return;
+      const std::string wrong = Judge(Store(), before_, writes_, operation_.regions, {});
+      if (!wrong.empty()) Complain(wrong + "; ");
+      Finish();
+    });
+    Expect(id, Outcome(run));
+  }
+
+  void SweepCuts() {
+    const int count = static_cast<int>(writes_.size());
+    for (const int n : Pick(count, choice_.bounded ? kMostCuts : count)) {
+      const std::string number = std::to_string(n);
+      if (Wanted("torn:" + number)) RunCut("torn:" + number, n, 0, false);
+      if (Wanted("whole:" + number)) RunCut("whole:" + number, n, 0, true);
+      for (int seed = 1; seed <= (choice_.bounded ? 1 : kSeeds); ++seed) {
+        const std::string id = "loss:" + number + ":" + std::to_string(seed);
+        if (Wanted(id)) RunCut(id, n, seed * count + n, false);
+      }
+    }
+  }
+
+  // Cuts power at write `n`, with the seed of lost writes, and starts the daemon on what is left;
+  // `whole` takes the torn write back.
+  void RunCut(const std::string& id, int n, int seed, bool whole) {
+    PutBack();
+    const auto cut = InChild([&] {
+      Start();
+      SetFaultCount(Fault::kFlashLoss, seed);
+      SetFaultCount(Fault::kFlashCut, n);
+      operation_.act();
+    });
+    if (cut.status != board::kCutStatus) return Expect(id, "wasn't cut");
+    const auto index = static_cast<std::size_t>(n - 1);
+    if (whole) PutStore(WithWrites(before_, writes_, index));
+    const Damage damage{whole ? std::nullopt : std::optional(index), seed != 0};
+    Expect(id, Judge(Store(), before_, writes_, operation_.regions, damage));
+    PutBack(Store(), board::ReadWhole(EnvFile()).value_or(""));
+    const auto again = InChild([&] {
+      Start();
+      Probe();
+      Finish();
+    });
+    Expect(id, Outcome(again));
+  }
+
+  bool Wanted(const std::string& id) const { return choice_.only.empty() || choice_.only == id; }
+
+  void Expect(const std::string& id, const std::string& complaint) {
+    if (complaint.empty()) return;
+    failures_.push_back(complaint + "\n  again: scripts/sweep " + operation_.name + " " + id);
+  }
+
+  const Operation& operation_;
+  const Choice choice_;
+  std::string env_;
+  Bytes before_;
+  Bytes after_;
+  std::string fpga_;
+  std::vector<StoreWrite> writes_;
+  std::vector<std::string> failures_;
+};
+
+}  // namespace
+
+std::vector<std::string> Run(const Operation& operation, const Choice& choice) {
+  return Sweep(operation, choice).Run();
+}
+
+}  // namespace sweep

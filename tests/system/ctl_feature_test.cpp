@@ -1,0 +1,325 @@
+// The client's commands about the device itself against a running daemon: what is set shows, what
+// can't be is refused before it is sent, and status and reports read as words.
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <nlohmann/json.hpp>
+#include <thread>
+
+#include "board/cells.h"
+#include "board/files.h"
+#include "support/board_kit.h"
+#include "support/daemon.h"
+#include "support/run.h"
+
+namespace {
+
+using board_kit::Configure;
+using board_kit::Named;
+using board_kit::RunTool;
+using support::Built;
+using support::RunResult;
+using Words = std::vector<std::string>;
+using namespace std::chrono_literals;
+
+RunResult Ctl(const Words& words) {
+  Words command = {Built("quivordctl")};
+  command.insert(command.end(), words.begin(), words.end());
+  return support::Run(command);
+}
+
+// What a command prints, without the last line feed.
+std::string Out(const Words& words) {
+  const RunResult run = Ctl(words);
+  EXPECT_EQ(run.status, 0) << run.err;
+  return run.out.substr(0, run.out.find_last_not_of('\n') + 1);
+}
+
+nlohmann::json Json(Words words) {
+  words.insert(words.begin(), "--json");
+  return nlohmann::json::parse(Out(words), nullptr, false);
+}
+
+int Cell(std::uint32_t address) {
+  std::uint8_t cell = 0;
+  board::LoadCells(1, address, 1, &cell);
+  return cell;
+}
+
+template <class Condition>
+bool Comes(Condition condition) {
+  const auto deadline = std::chrono::steady_clock::now() + 20s;
+  while (!condition()) {
+    if (std::chrono::steady_clock::now() > deadline) return false;
+    std::this_thread::sleep_for(5ms);
+  }
+  return true;
+}
+
+class CtlFeature : public testing::Test {
+ protected:
+  ~CtlFeature() override { std::filesystem::remove(Named().string() + ".output"); }
+
+  void Start() {
+    daemon_.emplace(support::Daemon::Options{.board = Named()});
+    ASSERT_TRUE(daemon_->WaitUntilItAnswers()) << daemon_->OutputText();
+  }
+
+  // The FPGA has loaded; waits until the daemon has restored it.
+  void Load() {
+    board_kit::Put("etc/init.d/flag_fpgaload", "");
+    ASSERT_TRUE(
+        Comes([&] { return daemon_->OutputText().find("load flag") != std::string::npos; }));
+  }
+
+  void Stop() { daemon_.reset(); }
+
+  void StartLoaded() {
+    Start();
+    Load();
+  }
+
+ private:
+  std::optional<support::Daemon> daemon_;
+};
+
+TEST_F(CtlFeature, SettersReadBackUntilTheValueShows) {
+  StartLoaded();
+  const struct {
+    Words words;
+    const char* out;
+  } cases[] = {
+      {{"output", "show"}, "output is closed"},
+      {{"output", "open"}, "output is open (was closed)"},
+      {{"output", "show"}, "output is open"},
+      {{"output", "open"}, "output is open"},
+      {{"feature", "get", "output"}, "open"},
+      {{"output", "close"}, "output is closed (was open)"},
+      {{"feature", "set", "offset-x", "0x64"}, "offset-x is 100 px (was 0 px)"},
+      {{"feature", "get", "offset-x"}, "100"},
+      {{"feature", "set", "uart-overtime", "60"}, "uart-overtime is 60 s (was 40 s)"},
+      {{"feature", "show"}, nullptr},  // which leaves what only the daemon keeps as it is
+      {{"feature", "get", "uart-overtime"}, "60"},
+      {{"feature", "set", "role", "slave"}, "role is slave (was master)"},
+      {{"feature", "get", "port-9-role"}, "backup"},
+      {{"feature", "set", "bypass", "on"}, "bypass is on (was off)"},
+      {{"feature", "set", "bypass-offset", "-50,20"}, "bypass-offset is -50,20 px (was 0,0 px)"},
+      {{"feature", "get", "bypass"}, "service"},
+      {{"feature", "get", "screen-width"}, "178"},  // the picture's 128 and the offset
+      {{"feature", "set", "bypass", "off"}, "bypass is off (was service)"},
+      {{"feature", "set", "input-mode", "0x10"}, "input-mode is 0x10 (was 0x20)"},
+  };
+  for (const auto& test : cases) {
+    const std::string out = Out(test.words);
+    if (test.out == nullptr) continue;
+    EXPECT_EQ(out, test.out) << test.words[1];
+  }
+  EXPECT_EQ(Json({"feature", "set", "high-speed", "on"}),
+            (nlohmann::json{{"name", "high-speed"}, {"value", "on"}, {"was", "off"}}));
+  EXPECT_EQ(Json({"feature", "show"}).at("high-speed"), "on");
+  EXPECT_EQ(Json({"feature", "show", "bypass-offset"}).at("address"), 0x020001F0);
+}
+
+TEST_F(CtlFeature, OutputIsClosedAfterEachStart) {
+  StartLoaded();
+  Out({"output", "open"});
+  EXPECT_EQ(Cell(0x1DE), 0x5A);
+  Stop();
+  Start();  // the flag file is still there, the FPGA still open
+  EXPECT_TRUE(Comes([] { return Out({"output", "show"}) == "output is closed"; }));
+  EXPECT_EQ(Json({"status"}).at("output"), "closed");
+}
+
+TEST_F(CtlFeature, ClockIsSetAndSeenToGoOn) {
+  Configure("speed = 200\n");
+  StartLoaded();
+  EXPECT_EQ(Out({"time", "set", "2031-12-31T09:00:00"}).substr(0, 18), "time is 2031-12-31");
+  EXPECT_TRUE(
+      Comes([] { return Json({"time"}).at("time").get<std::string>() > "2031-12-31 09:00:30"; }));
+  EXPECT_EQ(Json({"time"}).at("weekday"), "Wednesday");
+  Out({"time", "set", "now"});
+  EXPECT_LT(Json({"time"}).at("time").get<std::string>(), "2031");
+  EXPECT_EQ(Ctl({"feature", "set", "time", "2028-02-29", "12:00"}).status, 0);
+}
+
+TEST_F(CtlFeature, RefusesWhatCannotBe) {
+  Configure("trace = bus\n");
+  StartLoaded();
+  const struct {
+    Words words;
+    int status;
+    const char* says;
+  } cases[] = {
+      {{"feature", "set", "offset-x", "3841"}, 2, "0 to 3840 px"},
+      {{"feature", "set", "offset-x", "-1"}, 2, "offset-x"},
+      {{"feature", "set", "uart-overtime", "1"}, 2, "2 to 119 s"},
+      {{"feature", "set", "bypass", "service"}, 2, "shown only"},
+      {{"feature", "set", "bypass-offset", "50"}, 2, "x,y"},
+      {{"feature", "set", "input-mode", "1020"}, 2, "a byte"},
+      {{"feature", "set", "link-0-3", "1"}, 1, "hardware alone"},
+      {{"feature", "set", "hdr", "loaded"}, 1, "daemon alone"},
+      {{"feature", "get", "colour"}, 2, "feature show"},
+      {{"feature", "set", "role"}, 2, "VALUE is required; see quivordctl feature set --help"},
+      {{"feature"}, 2, "subcommand is required"},
+      {{"output", "ajar"}, 2, "see quivordctl output --help"},
+      {{"time", "set", "2027-02-29T12:00:00"}, 2, "no value of time"},
+      {{"time", "set", "2026-07-03T12:00:00Z"}, 2, "no value of time"},
+      {{"time", "set", "noon"}, 2, "no value of time"},
+      {{"--device", "receiver", "status"}, 2, "--device"},
+      {{"store", "dump"}, 1, "the daemon runs"},
+      {{"store", "put", "role", "01"}, 1, "the daemon runs"},
+  };
+  const auto sent = [] {
+    const auto lines = board_kit::TraceLines();
+    return std::count_if(lines.begin(), lines.end(),
+                         [](const std::string& line) { return line.starts_with("bus >"); });
+  };
+  const auto before = sent();
+  for (const auto& test : cases) {
+    const RunResult run = Ctl(test.words);
+    EXPECT_EQ(run.status, test.status) << run.err;
+    EXPECT_NE(run.err.find(test.says), run.err.npos) << run.err;
+    EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
+    EXPECT_EQ(run.out, "");
+  }
+  EXPECT_EQ(sent(), before);
+  EXPECT_GT(before, 0);
+  Stop();
+  EXPECT_EQ(Ctl({"status"}).status, 3);
+  EXPECT_EQ(Ctl({"output", "open"}).status, 3);
+}
+
+TEST_F(CtlFeature, SaysAfterFiveSecondsWhatItFound) {
+  RunTool("create " + Named().string());
+  ASSERT_EQ(Ctl({"store", "put", "3d", "00"}).status, 0);  // with 3D on, bypass bars low delay
+  StartLoaded();
+  Out({"feature", "set", "bypass", "on"});
+  const RunResult run = Ctl({"feature", "set", "low-delay", "1"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.err, "quivordctl: low-delay was written, but after 5 seconds it reads 0\n");
+}
+
+TEST_F(CtlFeature, StatusSaysInWordsWhatIsLinked) {
+  Configure("port.1.cards = 0\n");
+  Start();
+  EXPECT_EQ(Json({"status"}).at("fpga_restored"), false);
+  EXPECT_NE(Out({"status"}).find("not loaded yet"), std::string::npos);
+  Load();
+  for (const char* change :
+       {"link 3 up", "fiber 1 3 up", "fiber 2 12 up", "fiber-status 0xA0", "poke 0x9E 0x20"}) {
+    ASSERT_EQ(RunTool(change).status, 0) << change;
+  }
+  Out({"feature", "set", "port-5-offset-x", "128"});
+  const std::string text = Out({"status"});
+  for (const char* line : {
+           "\nscreen  128 x 128 px\n",
+           "\noutput  closed; 'quivordctl output open' opens it\n",
+           "\nfibers  link none, copy 0x00, to network 0x00 0x00\n",
+           "\n0     master  copper           -           128 x 128 at 0,0\n",
+           "\n1     master  -                -           128 x 128 at 0,0\n",
+           "\n3     master  copper, fiber 1  -           128 x 128 at 0,0\n",
+           "\n6     master  -                set         128 x 128 at 0,0\n",
+           "\n12    master  fiber 2          -           128 x 128 at 0,0\n",
+           "\n5     master  -                -           128 x 128 at 128,0\n",
+       }) {
+    EXPECT_NE(text.find(line), text.npos) << line << "is not in\n" << text;
+  }
+  const auto state = Json({"status"});
+  EXPECT_EQ(state.at("fpga_restored"), true);
+  EXPECT_EQ(state.at("ports").at(3).at("fibers"), nlohmann::json{1});
+  EXPECT_EQ(state.at("ports").at(3).at("copper"), true);
+  EXPECT_EQ(state.at("ports").at(5).at("window").at("x"), 128);
+}
+
+// A running `quivordctl monitor`.
+class Monitor {
+ public:
+  Monitor() : file_(Named() / "monitor") {
+    const int out = open(file_.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
+    process_.emplace(support::Start{.command = {Built("quivordctl"), "monitor"}, .out = out});
+    close(out);
+  }
+  std::string Text() const { return board::ReadWhole(file_).value_or(""); }
+  bool Has(const char* text) const { return Text().find(text) != std::string::npos; }
+  bool Shows(const char* text) const {
+    return Comes([&] { return Has(text); });
+  }
+  std::optional<int> Interrupt() {
+    process_->Signal(SIGINT);
+    return process_->Wait(20s);
+  }
+
+ private:
+  const std::filesystem::path file_;
+  std::optional<support::Process> process_;
+};
+
+TEST_F(CtlFeature, MonitorPrintsReportsInWords) {
+  Start();
+  Monitor monitor;
+  // Passed on at once to whoever is the service daemon by then.
+  ASSERT_TRUE(Comes([&] {
+    Out({"feature", "set", "service-note", "7"});
+    return monitor.Has("0x0200004A 07  service-note 7\n");
+  }));
+  Load();
+  for (const char* line : {"0x14000000 02  ready: the FPGA is loaded and has its parameters\n",
+                           "0x0200001F 03  ports with a copper link, of 0 to 3: 0 1\n",
+                           "0x02100006 80008000  size of the receiving cards: 128 x 128 px\n"}) {
+    EXPECT_TRUE(monitor.Shows(line)) << line << "is not in\n" << monitor.Text();
+  }
+  RunTool("link 3 up");
+  EXPECT_TRUE(monitor.Shows("0x0200001F 0b  ports with a copper link, of 0 to 3: 0 1 3\n"))
+      << monitor.Text();
+  EXPECT_EQ(monitor.Interrupt(), 0);
+}
+
+TEST_F(CtlFeature, StoreIsReadAndWrittenWhileNoDaemonRuns) {
+  EXPECT_EQ(Ctl({"--board", Named() / "none", "store", "dump"}).status, 1);
+  RunTool("create " + Named().string());
+  const std::string file = Named() / "copy";
+  const struct {
+    Words words;
+    int status;
+    const char* says;
+  } cases[] = {
+      {{"get", "card-size"}, 0, "8000000080000000\n"},
+      {{"put", "card-size", "40000000"}, 0, "4 bytes put at 0x00C20008 (card-size) of the live"},
+      {{"get", "card-size"}, 0, "4000000080000000\n"},
+      {{"get", "card-size", "--store", "factory"}, 0, "8000000080000000\n"},
+      {{"put", "card-size", "--", "112233445566778899"}, 2, "9 bytes do not fit"},
+      {{"dump", "0xC20006", "4"}, 0, "0x00C20006  00 00 40 00  |..@.|\n"},
+      {{"dump"}, 0, "0x00C20008  8        card-size        4000000080000000    card size\n"},
+      {{"put", "0xFFFFFF", "a5"}, 0, "1 byte put at 0x00FFFFFF (unused)"},
+      {{"put", "0xFFFFFF", "a5", "5a"}, 2, "behind the store's 16 MiB"},
+      {{"put", "0x1000000", "a5"}, 2, "address below 0x1000000"},
+      {{"get", "0xFFFFFF", "2"}, 2, "inside the 16 MiB"},
+      {{"get", "0xFFFFFF", "1"}, 0, "a5\n"},
+      {{"get", "0xFFFFFF"}, 2, "LENGTH is needed"},
+      {{"get", "colours"}, 2, "region's name"},
+      {{"get", "0", "0x1000000", "--file", file}, 0, "16777216 bytes"},
+      {{"put", "0xFFFFFF", "ff"}, 0, "1 byte"},
+      {{"put", "0", "--file", file}, 0, "more than one region"},
+      {{"get", "0xFFFFFF", "1"}, 0, "a5\n"},
+      {{"put", "1", "--file", file}, 2, "16777216 bytes from 0x00000001 end behind"},
+      {{"put", "1"}, 2, "either BYTES or --file"},
+      {{"put", "1", "--file", file + "s"}, 2, "can't be read"},
+      {{"dump", "--store", "tmp"}, 1, "cannot open the store"},
+      {{"dump", "--store", "spare"}, 2, "spare"},
+  };
+  for (const auto& test : cases) {
+    Words words = {"store"};
+    words.insert(words.end(), test.words.begin(), test.words.end());
+    const RunResult run = Ctl(words);
+    EXPECT_EQ(run.status, test.status) << run.err;
+    EXPECT_NE((run.out + run.err).find(test.says), std::string::npos) << test.says << " is not in\n"
+                                                                      << run.out << run.err;
+  }
+  EXPECT_EQ(std::filesystem::file_size(Named() / "usr/zeph/etc/envcfg/brmpara"), 16U << 20);
+  Start();  // no lock is left behind
+}
+
+}  // namespace

@@ -1,0 +1,157 @@
+// Faults and power cuts at every access of the operations that change what a device remembers.
+// A new operation joins as a row.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "board/envstore.h"
+#include "proto/calc_curves.h"
+#include "proto/data_common_tables.h"
+#include "stub/mcuqmbthread.h"
+#include "support/device.h"
+#include "support/inprocess.h"
+#include "support/sweep.h"
+
+namespace {
+
+using sweep::Operation;
+
+constexpr sweep::Region kChanges = {.address = 0xD17000, .length = 1, .free = true};
+
+// What `saves` saves write, and more. The image may be written in between as well: `image` times in
+// all.
+std::vector<sweep::Region> Saved(std::vector<sweep::Region> regions, int saves = 1, int image = 1) {
+  const sweep::Region saved[] = {{0xA3B100, 512, image},
+                                 {0xA61000, 512, saves},
+                                 {0xB88000, 4},
+                                 {0xA3C000, 40960, saves},
+                                 {0xA5C000, 768, saves}};
+  regions.insert(regions.end(), std::begin(saved), std::end(saved));
+  return regions;
+}
+
+void Write(std::uint32_t address, const char* hex) {
+  inprocess::Write(address, inprocess::Bytes(hex));
+  inprocess::DrainQueue();
+}
+
+// The effects of a write that reach FPGA, flash, bus and shell, one after the other.
+void WriteFeatures() {
+  for (const auto& [offset, hex] : {std::pair{0x24, "8002e001"},
+                                    {0x1EC, "8002e001"},
+                                    {0x45, "5a"},
+                                    {0x4A, "07"},
+                                    {0x74, "01"},
+                                    {0x1D8, "01"},
+                                    {0x1DA, "02"},
+                                    {0x1F8, "a5"},
+                                    {0x9C, "1122"},
+                                    {0xD4, "01"}}) {
+    device::WriteFeature(static_cast<std::uint32_t>(offset), hex);
+  }
+}
+
+// Changes what only a save stores, and asks for the save.
+void ChangeAndSave() {
+  device::Global().ScreenParaReg.write(0, inprocess::Bytes("0155"));
+  device::PutImage(0x1F9, "a1a2a3");  // bytes that the FPGA doesn't hold
+  ZEPH_MCUC::ParaTable[7] = 0x1234;
+  Write(0x03000FFE, "11223344");
+  Write(0x03100040, "556677");
+  Write(0x01000001, "01");
+}
+
+// A smart configuration, and two passes of the loop's debounce behind it.
+void ConfigureWall() {
+  Write(0x02810010, "00000000000004030500");
+  for (int pass = 0; pass < 2; ++pass) ZEPH_MCUC::McuQMBThread::CalculateSenderParaHandler();
+}
+
+// A gamma set by pieces, which loads it too.
+void UploadGamma() {
+  const ZEPH_MCUC::GammaTable table = ZEPH_MCUC::PowerTable(2.2, 10);
+  for (const std::uint32_t colour : {0x0E002000, 0x0E102000, 0x0E202000}) {
+    for (std::uint32_t at = 0; at < table.size(); at += 1024) {
+      inprocess::Write(colour + at, std::span(table).subspan(at, 1024));
+      inprocess::DrainQueue();
+    }
+  }
+}
+
+// A piece may be lost by itself: the next ones come all the same.
+std::vector<sweep::Region> GammaRegions() {
+  std::vector<sweep::Region> regions = {{0xD00000, 4}, {0xD01000, 4}, {0xD02000, 4}};
+  for (std::uint32_t at = 0; at < 0x2000; at += 1024) {
+    for (const std::uint32_t table : {0xD03000, 0xD05000, 0xD07000}) {
+      regions.push_back({table + at, 1024});
+    }
+  }
+  return regions;
+}
+
+const Operation kOperations[] = {
+    {.name = "feature",
+     .prepare = [] { device::PutFlash(0x2400, "28"); },
+     .act = WriteFeatures,
+     .regions = {{0xA3B100, 512, 12}, {0xC20000, 8, 3}, kChanges}},
+    {.name = "role",
+     .prepare = [] { device::PutFlash(0xC95000, "11111111"); },
+     .act = [] { device::WriteFeature(0x9D, "a5"); },
+     .regions = {{0xA3B100, 512, 5}, {0xA60010, 1}, {0xC95000, 4}}},
+    {.name = "save", .prepare = [] {}, .act = ChangeAndSave, .regions = Saved({{0xC20040, 2}})},
+    {.name = "restore",
+     .prepare =
+         [] {
+           device::PutFlash(0xD17000, "05");
+           device::PutFlash(0xA3B100 + 0x1F0, "9cffffff3200000002");
+         },
+     .act =
+         [] {
+           device::Restore(false);
+           device::Restore(true);
+         },
+     .regions = {{0xD17000, 1}},
+     .online = false},
+    {.name = "firstboot",
+     .prepare = [] { device::PutFlash(0xC20000, "60000000600000006000000060000000"); },
+     .act =
+         [] {
+           board::WriteEnv("firstboot", "1");
+           device::Restore(true);
+         },
+     .regions = Saved({{0xC20000, 8}, kChanges, {0xC20040, 15}}),
+     // Without the stored size a card of 128 by 128 is taken, and remains. A first boot that isn't
+     // seen is a start like any other, which sends more of the page.
+     .lasting = {"forever:flash-read", "once:env-open:1", "forever:env-open"},
+     .online = false},
+    {.name = "smart",
+     .prepare = [] {},
+     .act = ConfigureWall,
+     .regions = Saved({{0xB99000, 0x20, 5}, {0xC20000, 8}, kChanges, {0xC20040, 15}}, 2, 3)},
+    {.name = "advanced",
+     .prepare = [] { device::PutFlash(0xB99050, "0005000000000203000000010000"); },
+     .act = [] { Write(0x02810000, "b9"); },
+     .regions = Saved({{0xB99000, 1}, {0xC20000, 8}, kChanges, {0xC20040, 15}}, 2, 5),
+     .pageEnd = 0x1EC},
+    {.name = "hdr",
+     .prepare = [] { device::PutFlash(0xC21000, "00000000000000000000"); },
+     .act = [] { Write(0x02200117, "58"); },
+     .regions = {{0xC21000, 10}}},
+    {.name = "gamma", .prepare = [] {}, .act = UploadGamma, .regions = GammaRegions()},
+};
+
+class Sweep : public testing::TestWithParam<Operation> {};
+
+TEST_P(Sweep, LeavesOldOrNewAndADaemonThatServes) {
+  const char* const only = std::getenv("QUIVORD_SWEEP");  // a run, or "all"
+  const bool all = only != nullptr && std::string(only) == "all";
+  for (const std::string& failure :
+       sweep::Run(GetParam(), {only == nullptr || all ? "" : only, !all})) {
+    ADD_FAILURE() << failure;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(, Sweep, testing::ValuesIn(kOperations),
+                         [](const auto& test) { return test.param.name; });
+
+}  // namespace

@@ -1,0 +1,399 @@
+// Input boards and their sources: detection, the EDIDs that they are given, what a client sees and
+// changes through the EDID space, and the board's side of it.
+#include <gtest/gtest.h>
+#include <platform/inputsource.h>
+
+#include <algorithm>
+
+#include "board/faults.h"
+#include "board/files.h"
+#include "process/inputSource.h"
+#include "support/board_kit.h"
+#include "support/device.h"
+#include "support/inprocess.h"
+#include "support/trace.h"
+
+namespace ZEPH_MCUC {
+namespace {
+
+using board::Fault;
+using board::SetFaultCount;
+using inprocess::Bytes;
+
+constexpr uint32_t kSpace = 0x08000000;
+constexpr uint32_t kRecord = 0x200000;
+
+InputSource& Inputs() { return *InputSource::getInstance(); }
+
+// What a board shows now.
+std::string Shown(const char* file) {
+  return board::ReadWhole(board_kit::Named() / "inputs" / file).value_or("");
+}
+
+// The preferred mode that an image shows, by the pixel count and clock of its first timing.
+VideoMode ModeShown(const char* file) {
+  const std::string image = Shown(file);
+  EXPECT_EQ(image.size(), edid::kSize);
+  EdidImage bytes{};
+  std::copy_n(image.begin(), std::min(image.size(), bytes.size()), bytes.begin());
+  EXPECT_EQ(VerifyEdid(bytes), EdidFault::kNone);
+  return PreferredMode(std::span(bytes).first<edid::kRead>()).value_or(VideoMode{});
+}
+
+// A client's EDID of `length` bytes with this timing in front (bytes 54 to 61), nothing else right.
+std::vector<uint8_t> ClientEdid(const char* timing, std::size_t length = 128) {
+  std::vector<uint8_t> image(length, 0xA5);
+  const auto bytes = Bytes(timing);
+  std::copy(bytes.begin(), bytes.end(), image.begin() + 54);
+  return image;
+}
+
+constexpr char k720p[] = "01 1D 00 72 51 D0 1E 20";  // 1280 by 720 at 60 Hz
+constexpr char k1080p[] = "02 3A 80 18 71 38 2D 40";
+
+uint8_t Send(std::span<const uint8_t> image, uint32_t address = kSpace) {
+  const auto reply = inprocess::Write(address, image);
+  inprocess::DrainQueue();
+  return reply.m_ucAck;
+}
+
+TEST(Inputs, DetectionListsSourcesAndShowsTheirStoredModes) {
+  device::Begin("edid flash");
+  const std::string own = Shown("0000.edid");
+  device::PutFlash(kRecord + 6, "0005 D002 7017");  // group 1: 1280 by 720 at 60 Hz
+  EXPECT_EQ(Inputs().RealSourceNum(), 0);
+  EXPECT_EQ(Inputs().GetSourceByGroup(EN_INPUT_A), nullptr);
+  support::Trace trace;
+  const auto reply = inprocess::Read(kSpace, 1);
+  EXPECT_EQ(reply.m_ucAck, 0);
+  EXPECT_TRUE(reply.m_data.empty());
+  EXPECT_EQ(trace.Take(),
+            "flash R 0x200000 x72\nedid W 0x0000\nflash R 0x200000 x72\nedid W 0x0010\n");
+  EXPECT_EQ(Inputs().RealSourceNum(), 2);
+  EXPECT_EQ(ModeShown("0000.edid"), (VideoMode{1920, 1080, 6000}));
+  EXPECT_EQ(ModeShown("0010.edid"), (VideoMode{1280, 720, 6000}));
+  EXPECT_NE(Shown("0000.edid"), own);
+  EXPECT_NE(Shown("0000.edid").find("ZEPH DUAL_DVI"), std::string::npos);
+  EXPECT_NE(Shown("0010.edid").find("ZEPH HDMI1.4"), std::string::npos);
+}
+
+struct Label {
+  uint8_t code;
+  const char* name;
+  en_fpga_input_ch_t channel;
+};
+
+void ExpectSources(const std::vector<Label>& wanted) {
+  ASSERT_EQ(Inputs().RealSourceNum(), wanted.size());
+  for (std::size_t i = 0; i < wanted.size(); ++i) {
+    SCOPED_TRACE(i);
+    const auto group = static_cast<en_input_group_t>(i);
+    const source_t* source = Inputs().GetSourceByGroup(group);
+    ASSERT_NE(source, nullptr);
+    EXPECT_EQ(source->signal_state, EN_SSS_SIGNAL_LINK);
+    EXPECT_EQ(source->src_code, wanted[i].code);
+    EXPECT_EQ(source->input_ch, wanted[i].channel);
+    const inputsource_name_t name = Inputs().NameOfGroup(group);
+    EXPECT_STREQ(name.name.data(), wanted[i].name);
+    EXPECT_EQ(name.lenName, std::strlen(wanted[i].name));
+    EXPECT_EQ(name.cardNO, i);
+    EXPECT_EQ(name.sourceCode, wanted[i].code);
+  }
+}
+
+TEST(Inputs, SourcesByTypeAndChannelByPlace) {
+  device::Begin("none",
+                "input.0 = 0x0000 HDMI14\ninput.1 = 0x0010 HDMI14\ninput.2 = 0x0001 DVI\n"
+                "input.3 = 0x0002 DDVI\ninput.4 = 0x0011 SDI3G\ninput.5 = 0x0003 VGA\n"
+                "input.6 = 0x0060 DDVI\n");
+  for (int again = 0; again < 2; ++again) {
+    Inputs().InputBoardInit();
+    ExpectSources({{0x61, "HDMI1.4-1", EN_FPGA_IN_CH1},
+                   {0x62, "HDMI1.4-2", EN_FPGA_IN_CH2},
+                   {0x00, "DVI", EN_FPGA_IN_CH5},
+                   {0x51, "DUAL_DVI-1", EN_FPGA_IN_CH6},
+                   {0x30, "SDI", EN_FPGA_IN_CH_INVALID},
+                   {0x20, "VGA", EN_FPGA_IN_CH_INVALID},
+                   {0x52, "DUAL_DVI-2", EN_FPGA_IN_CH_INVALID}});
+  }
+}
+
+TEST(Inputs, BoardsPastTheSeventhAreLoggedAndLeft) {
+  std::string configuration;
+  for (int i = 0; i < 9; ++i) {
+    configuration += "input." + std::to_string(i) + " = " + std::to_string(i * 16) + " DVI\n";
+  }
+  device::Begin("edid", configuration);
+  device::Log log;
+  support::Trace trace;
+  Inputs().InputBoardInit();
+  EXPECT_EQ(Inputs().RealSourceNum(), 7);
+  const std::string lines = log.Take();
+  EXPECT_EQ(support::Count(lines, "Error === input_board_detect ===no room"), 2);
+  EXPECT_NE(lines.find("Input Total = 7"), std::string::npos);
+  EXPECT_EQ(support::Count(trace.Take(), "edid W"), 7);
+}
+
+// A type that is given no EDID ends the procedure for all behind it; one without sources of its own
+// keeps the code that its place has, which is a DVI's.
+TEST(Inputs, UnsupportedTypeEndsTheEdids) {
+  device::Begin("edid",
+                "input.0 = 0x0000 HDMI20\ninput.1 = 0x0010 SDI3G\ninput.2 = 0x0020 HDMI14\n");
+  device::Log log;
+  support::Trace trace;
+  Inputs().InputBoardInit();
+  ExpectSources({{0x00, "", EN_FPGA_IN_CH1},
+                 {0x30, "SDI", EN_FPGA_IN_CH2},
+                 {0x61, "HDMI1.4-1", EN_FPGA_IN_CH3}});
+  EXPECT_EQ(trace.Take(), "edid W 0x0000\n");
+  EXPECT_NE(log.Take().find("Nonsupport EDIDInit Source group 1"), std::string::npos);
+  Inputs().EDIDSetByMode(1, 1920, 1080, 6000);
+  EXPECT_NE(log.Take().find("Nonsupport Source "), std::string::npos);
+  Inputs().EDIDSetByMode(2, 1920, 1080, 6000);
+  EXPECT_EQ(trace.Take(), "edid W 0x0020\n");
+}
+
+TEST(Inputs, RecordNeverWrittenIsAModeLikeAnyOther) {
+  device::Begin("none");
+  device::PutFlash(kRecord, std::string(144, 'F').c_str());
+  Inputs().InputBoardInit();
+  const std::string image = Shown("0000.edid");
+  EdidImage bytes{};
+  std::copy(image.begin(), image.end(), bytes.begin());
+  EXPECT_EQ(VerifyEdid(bytes), EdidFault::kNone);
+  EXPECT_EQ(bytes[56], 0xFF) << "of 65535 pixels";
+}
+
+TEST(EdidSpace, ReadsTheCurrentGroupsEdid) {
+  device::Begin("edid");
+  EXPECT_EQ(inprocess::Read(kSpace, 128).m_data, std::vector<uint8_t>(128, 0)) << "no source yet";
+  inprocess::Read(kSpace, 1);
+  support::Trace trace;
+  struct Case {
+    const char* source_id;
+    uint16_t length;
+    const char* file;  // empty: zeros
+  };
+  constexpr Case kCases[] = {{"61", 128, "0000.edid"}, {"61", 256, "0000.edid"},
+                             {"62", 256, "0010.edid"}, {"50", 256, ""},
+                             {"00", 256, "0000.edid"}, {"63", 128, "0000.edid"}};
+  for (const Case& c : kCases) {
+    device::PutImage(0x1A5, c.source_id);
+    const auto reply = inprocess::Read(kSpace, c.length);
+    const std::string data(reply.m_data.begin(), reply.m_data.end());
+    const std::string wanted = *c.file == '\0' ? std::string(c.length, '\0') : Shown(c.file);
+    EXPECT_EQ(data, wanted.substr(0, c.length)) << c.source_id;
+    EXPECT_EQ(reply.m_ucAck, 0);
+  }
+  EXPECT_EQ(support::Count(trace.Take(), "edid R"), 5) << "a group without a source asks no board";
+
+  SetFaultCount(Fault::kEdidRead, 1);
+  EXPECT_EQ(inprocess::Read(kSpace, 256).m_data, std::vector<uint8_t>(256, 0));
+  for (const auto& [offset, length] :
+       {std::pair{0, 0}, {0, 2}, {0, 127}, {0, 257}, {128, 128}, {1, 1}}) {
+    const auto reply =
+        inprocess::Read(kSpace + static_cast<uint32_t>(offset), static_cast<uint16_t>(length));
+    EXPECT_TRUE(reply.m_data.empty()) << offset << " " << length;
+    EXPECT_EQ(reply.m_ucAck, 0);
+  }
+  EXPECT_EQ(inprocess::Read(kSpace, 2049).m_ucAck, 4);
+  EXPECT_EQ(inprocess::Read(kSpace + 0x10000, 128).m_data.size(), 0U);
+}
+
+TEST(EdidSpace, ClientsModeIsStoredThenShown) {
+  device::Begin("edid flash");
+  inprocess::Read(kSpace, 1);
+  support::Trace trace;
+  for (const std::size_t length : {128, 256}) {
+    device::PutImage(0x1A5, length == 128 ? "61" : "62");
+    EXPECT_EQ(Send(ClientEdid(k720p, length), kSpace + 77), 0);
+    const std::string id = length == 128 ? "0x0000" : "0x0010";
+    EXPECT_EQ(trace.Take(), "flash W 0x200000 x72\nedid W " + id + "\n");
+  }
+  EXPECT_EQ(ModeShown("0000.edid"), (VideoMode{1280, 720, 6000}));
+  EXPECT_EQ(ModeShown("0010.edid"), (VideoMode{1280, 720, 6000}));
+  EXPECT_EQ(device::Flash(kRecord, 18),
+            "0005d0027017"
+            "0005d0027017"
+            "800738047017")
+      << "the third group's mode stays";
+}
+
+TEST(EdidSpace, WritesThatChangeNothing) {
+  device::Begin("edid flash");
+  inprocess::Read(kSpace, 1);
+  support::Trace trace;
+  device::Log log;
+  for (const std::size_t length : {64, 127, 129, 255, 257, 2048}) {
+    EXPECT_EQ(Send(ClientEdid(k720p, length)), 0) << length;
+    EXPECT_EQ(
+        support::Count(log.Take(), "Error === DoWriteEdidInfo ===data length > 100! length = "),
+        length > 256 ? 1 : 0);
+  }
+  for (const char* timing :
+       {"00 00 00 00 00 00 00 00", "00 00 80 18 71 38 2D 40", "FF FF FF 00 F0 FF 00 F0"}) {
+    EXPECT_EQ(Send(ClientEdid(timing)), 0);
+    EXPECT_EQ(support::Count(log.Take(), "Error === EDIDCommStorage ==="), 1) << timing;
+  }
+  EXPECT_EQ(Send({}), 0) << "no data: answered, not queued";
+  EXPECT_EQ(trace.Take(), "");
+}
+
+TEST(EdidSpace, ModeIsStoredThoughTheBoardFails) {
+  device::Begin("edid flash");
+  inprocess::Read(kSpace, 1);
+  const std::string before = Shown("0000.edid");
+  device::Log log;
+  SetFaultCount(Fault::kEdidWrite, 1);
+  Send(ClientEdid(k720p));
+  EXPECT_EQ(Shown("0000.edid"), before);
+  const std::string lines = log.Take();
+  EXPECT_NE(lines.find("SetEDIDInfo error"), std::string::npos);
+  EXPECT_NE(lines.find("EDIDSetByMode done"), std::string::npos);
+  inprocess::Read(kSpace, 1);  // the next detection
+  EXPECT_EQ(ModeShown("0000.edid"), (VideoMode{1280, 720, 6000}));
+
+  SetFaultCount(Fault::kFlashWrite, 3);  // once for each try
+  Send(ClientEdid(k1080p));
+  EXPECT_EQ(ModeShown("0000.edid"), (VideoMode{1920, 1080, 6000})) << "shown all the same";
+  EXPECT_EQ(device::Flash(kRecord, 6), "0005d0027017");
+}
+
+// Without a detection there is no source to show the mode; it waits in the store, beside what the
+// other groups have there.
+TEST(EdidSpace, WriteBeforeDetectionKeepsTheOtherModes) {
+  device::Begin("edid");
+  device::PutFlash(kRecord + 6, "0004 0003 8813");
+  device::PutFlash(kRecord + 54, "0102");
+  device::Log log;
+  support::Trace trace;
+  Send(ClientEdid(k720p));
+  EXPECT_NE(log.Take().find("SourceGroup Error,p_src is NULL!"), std::string::npos);
+  EXPECT_EQ(trace.Take(), "");
+  EXPECT_EQ(device::Flash(kRecord, 12),
+            "0005d0027017"
+            "000400038813");
+  EXPECT_EQ(device::Flash(kRecord + 54, 2), "0102");
+}
+
+TEST(Inputs, ModesByGroupAndModel) {
+  device::Begin("edid");
+  Inputs().InputBoardInit();
+  device::Log log;
+  support::Trace trace;
+  for (const auto& [group, line] : {std::pair<int, const char*>{10, "group error"},
+                                    {255, "group error"},
+                                    {9, "p_src is NULL"},
+                                    {2, "p_src is NULL"}}) {
+    Inputs().EDIDSetByMode(static_cast<u8>(group), 1920, 1080, 6000);
+    EXPECT_NE(log.Take().find(line), std::string::npos) << group;
+  }
+  Inputs().EDIDSetByMode(0, 1920, 1080, 0);
+  EXPECT_NE(log.Take().find("CheckEDIDInfo error "), std::string::npos) << "no timing";
+  EXPECT_EQ(trace.Take(), "");
+
+  EdidImage model{}, out{};
+  EXPECT_EQ(Inputs().ResT_calEDID_by_model_new(model.data(), out.data(), 1920, 1080, 6000), 1U);
+  EXPECT_EQ(support::Count(log.Take(), "Error Check Head Error"), 1);
+  std::copy(edid::kHeader.begin(), edid::kHeader.end(), model.begin());
+  EXPECT_FALSE(Inputs().ResT_verify_EDID(model.data()));
+  EXPECT_EQ(log.Take(), "Error Check Sum Error\n");
+  EXPECT_FALSE(Inputs().edid_create_dtd(nullptr, out.data(), 6000));
+  mode_table_t row{};
+  EXPECT_TRUE(Inputs().GetDmtTiming(1920, 1080, 599, &row));
+  EXPECT_EQ(row.h_total, 2200);
+  EXPECT_FALSE(Inputs().GetDmtTiming(1920, 1080, 250, &row));
+}
+
+TEST(Inputs, MeasurementsAndWhatTheyChange) {
+  device::Begin("none",
+                "input.0 = 0x0000 DVI\ninput.1 = 0x0010 HDMI14\ninput.2 = 0x0020 DVI\n"
+                "input.3 = 0x0030 DVI\ninput.4 = 0x0001 DVI\n");
+  EXPECT_EQ(Inputs().RefreshInputSourceStatus(0, {}), -1);
+  Inputs().InputBoardInit();
+  struct Case {
+    u8 group, interlaced, stable;
+    u16 width, height, period;
+    int result;
+    u16 stored_height;
+    en_source_signal_state_t state;
+  };
+  constexpr Case kCases[] = {
+      {0, 0, 1, 1920, 1080, 16666, 1, 1080, EN_SSS_SIGNAL_LINK},
+      {0, 0, 1, 1920, 1080, 16675, 0, 1080, EN_SSS_SIGNAL_LINK},  // 9 us are no change
+      {0, 0, 1, 1920, 1080, 16685, 1, 1080, EN_SSS_SIGNAL_LINK},  // 10 us are
+      {0, 0, 1, 1921, 1080, 16685, 1, 1080, EN_SSS_SIGNAL_LINK},
+      {0, 1, 1, 1921, 540, 16685, 0, 1080, EN_SSS_SIGNAL_LINK},  // two fields make a frame
+      {0, 0, 2, 1921, 1080, 16685, 1, 1080, EN_SSS_NOSIGNAL},
+      {0, 0, 0, 1921, 1080, 16685, 1, 1080, EN_SSS_NOSIGNAL},
+      {0, 0, 0, 640, 480, 1, 0, 1080, EN_SSS_NOSIGNAL},  // stands for 1920 by 1080
+      {1, 0, 1, 64, 1080, 16666, 1, 1080, EN_SSS_NOSIGNAL},
+      {1, 0, 1, 65, 65, 16666, 1, 65, EN_SSS_SIGNAL_LINK},
+      {4, 1, 1, 1920, 540, 16666, 1, 540, EN_SSS_SIGNAL_LINK},  // this group counts frames
+      {5, 0, 1, 1920, 1080, 16666, -1, 0, EN_SSS_INVALID},
+  };
+  for (const Case& c : kCases) {
+    fpag_in_res_reg_t measured{};
+    measured.interlace_mode = c.interlaced;
+    measured.timing_state = c.stable;
+    measured.active_width = c.width;
+    measured.active_height = c.height;
+    measured.frame_rate = c.period;
+    EXPECT_EQ(Inputs().RefreshInputSourceStatus(c.group, measured), c.result);
+    const source_t* source = Inputs().GetSourceByGroup(static_cast<en_input_group_t>(c.group));
+    ASSERT_EQ(source == nullptr, c.result < 0);
+    if (source == nullptr) continue;
+    EXPECT_EQ(source->res.v_active, c.stored_height) << c.width;
+    EXPECT_EQ(source->signal_state, c.state);
+  }
+  source_t disk{};
+  disk.src_code = EN_SC_UDISK_1;
+  EXPECT_FALSE(TakeMeasurement({0, 1, 1, 1, 1, 1, 0, 0, 0}, &disk)) << "a disk has no timing";
+  EXPECT_EQ(disk.res.v_period_us, 16665);
+}
+
+TEST(BoardInputs, AnswerAsTheirConfigurationAndFilesSay) {
+  board_kit::Put("inputs/0030.edid", std::string(256, 'x'));
+  board_kit::Put("inputs/0040.edid", "short");
+  board_kit::Configure(
+      "input.0 = none\ninput.1 = 0x0010 VGA\ninput.2 = 0x0030 DP12\n"
+      "input.15 = 0x0040 SDI12G\n");
+  std::vector<obj_id_t> ids;
+  for (ll_handle_t handle = ll_find_input_next(0); handle != 0;
+       handle = ll_find_input_next(handle)) {
+    obj_id_t id = 0;
+    ASSERT_NE(ll_find_input_filter_all(handle, &id), 0);
+    ids.push_back(id);
+  }
+  EXPECT_EQ(ids, (std::vector<obj_id_t>{0x0010, 0x0030, 0x0040}));
+  obj_id_t id = 7;
+  EXPECT_EQ(ll_find_input_filter_all(1, &id), 0) << "a place without a board";
+  EXPECT_EQ(id, 7);
+
+  en_if_type type{};
+  ll_video_if_cap_t cap{};
+  EXPECT_EQ(ll_get_input_info(0x0030, &type, &cap), ll_ret_ok);
+  EXPECT_EQ(type, EN_IF_T_DP12);
+  EXPECT_EQ(cap.weidth, 4096);
+  EXPECT_EQ(ll_get_input_info(0x0000, &type, &cap), ll_ret_obj_absent);
+
+  std::array<uint8_t, 256> image{};
+  uint16_t length = 256;
+  EXPECT_EQ(ll_input_get_edid(0x0030, image.data(), &length), ll_ret_ok);
+  EXPECT_EQ(image[200], 'x') << "whatever the file holds";
+  EXPECT_EQ(ll_input_get_edid(0x0040, image.data(), &length), ll_ret_unexpected);
+  EXPECT_EQ(ll_input_get_edid(0x0000, image.data(), &length), ll_ret_obj_absent);
+  length = 255;
+  EXPECT_EQ(ll_input_get_edid(0x0030, image.data(), &length), ll_ret_sem_err);
+  EXPECT_EQ(ll_input_set_edid(0x0030, image.data(), 128), ll_ret_sem_err);
+  EXPECT_EQ(VerifyEdid([&] {
+              const std::string own = Shown("0010.edid");
+              EdidImage bytes{};
+              std::copy(own.begin(), own.end(), bytes.begin());
+              return bytes;
+            }()),
+            EdidFault::kNone);
+}
+
+}  // namespace
+}  // namespace ZEPH_MCUC
