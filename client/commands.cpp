@@ -6,9 +6,18 @@ std::span<const Command* const> Commands() {
   // A line each, so that commands join without touching others.
   // clang-format off
   static constexpr const Command* kCommands[] = {
-      &kStatusCommand,  &kWallCommand,  &kOutputCommand, &kFeatureCommand, &kTimeCommand,
-      &kMonitorCommand, &kStoreCommand, &kReadCommand,   &kWriteCommand,   &kPingCommand,
+      &kStatusCommand,
+      &kWallCommand,
+      &kCardCommand,
       &kBrightnessCommand,
+      &kOutputCommand,
+      &kFeatureCommand,
+      &kTimeCommand,
+      &kMonitorCommand,
+      &kStoreCommand,
+      &kReadCommand,
+      &kWriteCommand,
+      &kPingCommand,
   };
   // clang-format on
   return kCommands;

@@ -19,6 +19,7 @@ extern const Command kTimeCommand;
 extern const Command kFeatureCommand;
 extern const Command kStoreCommand;
 extern const Command kWallCommand;
+extern const Command kCardCommand;
 
 // In the order in which help lists them.
 std::span<const Command* const> Commands();

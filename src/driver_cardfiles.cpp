@@ -150,6 +150,7 @@ std::vector<uint8_t> DriverUtil::ReadRvFile(uint32_t load_index) {
 
 int32_t DriverUtil::ReadBytesFromrecvcard(uint8_t /*FlashNum*/, uint32_t addr, uint32_t length,
                                           uint8_t* data, const char* buff) {
+  errno = 0;  // the end of a file is no error to read()
   const File file(platform::DevicePath(buff), O_RDWR);
   if (!file.isOpen() || lseek(file.get(), addr, SEEK_SET) < 0 ||
       !ReadAll(file.get(), data, length)) {
@@ -162,13 +163,16 @@ int32_t DriverUtil::ReadBytesFromrecvcard(uint8_t /*FlashNum*/, uint32_t addr, u
 }
 
 void DriverUtil::SendCardPack(uint32_t reg, std::span<const uint8_t> data, uint16_t delay_ms) {
-  const bool whole = data.size() <= kPiece;
-  for (std::size_t at = 0; at < data.size(); at += kPiece) {
-    const auto piece = data.subspan(at, std::min<std::size_t>(kPiece, data.size() - at));
-    SendCardPara(reg + static_cast<uint32_t>(at), static_cast<uint16_t>(piece.size()), piece.data(),
+  const auto send = [&](std::size_t at, std::size_t length) {
+    SendCardPara(reg + static_cast<uint32_t>(at), static_cast<uint16_t>(length), data.data() + at,
                  RecvCard);
-    if (!whole && piece.size() == kPiece) Delay(kAfterPiece_ms);
+  };
+  std::size_t at = 0;
+  for (; data.size() > kPiece && data.size() - at >= kPiece; at += kPiece) {
+    send(at, kPiece);
+    Delay(kAfterPiece_ms);
   }
+  if (at == 0 || at < data.size()) send(at, data.size() - at);
   Delay(kAfterPack_ms);
   if (delay_ms != 0) Delay(delay_ms);
 }

@@ -100,13 +100,18 @@ class DriverUtil {
   int RemoveRvFile(const char* file_name, int delate_num);
   // Removes the numbers from `begin_num` up to `max_num` - 1; 0.
   int RemoveOtherRvFile(int begin_num, int max_num);
+  // Sends the packs of a numbered file to all cards, with the pauses that belong to them, up to the
+  // first pack that is too long or that the file is too short for. 0, also where there is no file.
+  // In proto/data_cardfiles.cpp, since it reads what a file holds.
+  int32_t LoadRvCfgToRecvCard(uint32_t load_index);
   // All bytes of a numbered file; none, logged, where it isn't there or can't be read.
   std::vector<uint8_t> ReadRvFile(uint32_t load_index);
   // Reads `length` bytes at `addr` of the file at device path `buff`. 0, or errno.
   int32_t ReadBytesFromrecvcard(uint8_t FlashNum, uint32_t addr, uint32_t length, uint8_t* data,
                                 const char* buff);
-  // Sends one pack to all cards, in pieces of 512 bytes with 10 ms behind each where it is longer,
-  // and waits 15 ms and `delay_ms` behind it.
+  // Sends one pack to all cards: in one packet, an empty one too, or where it is longer than 512
+  // bytes in pieces of that size with 10 ms behind each and the rest. Then waits 15 ms and
+  // `delay_ms`.
   void SendCardPack(uint32_t reg, std::span<const uint8_t> data, uint16_t delay_ms);
 
   // Gives the link bits of the ports, one bit each: copper, behind fiber 1, behind fiber 2.

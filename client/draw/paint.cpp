@@ -6,6 +6,10 @@
 #include <cmath>
 #include <numbers>
 
+// The font library keeps what it has found until the process ends; a leak check needn't tell.
+extern "C" const char* __lsan_default_suppressions();
+extern "C" const char* __lsan_default_suppressions() { return "leak:libfontconfig\n"; }
+
 namespace quivord::draw {
 namespace {
 

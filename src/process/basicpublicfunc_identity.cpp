@@ -60,12 +60,14 @@ void SetMac(std::span<const uint8_t> data, Area* area) {
 
 // Puts what a write at `addr` may change into `area`; anything else changes nothing.
 void Apply(uint32_t addr, std::span<const uint8_t> data, Area* area) {
-  const auto take = [&](uint32_t at) { std::copy_n(data.begin(), 2, area->begin() + at); };
+  const auto take = [&](uint32_t at) {
+    std::copy_n(data.begin(), std::min<std::size_t>(data.size(), 2), area->begin() + at);
+  };
   if (addr == basicinfo::kModel && data.size() == 2) {
     take(basicinfo::kModel);
   } else if (addr == basicinfo::kClient7 && data.size() == 2) {
     take(basicinfo::kClient7);
-  } else if (addr == basicinfo::kClient10 && data.size() >= 2) {
+  } else if (addr == basicinfo::kClient10) {
     take(basicinfo::kClient10);
   } else if (addr == 0 && data.size() == basicinfo::kSize) {
     SetSerial(data, area);

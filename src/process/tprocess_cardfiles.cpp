@@ -66,7 +66,7 @@ void WriteFileData(const PenetrateInfo& info) {
 void SendFile(const PenetrateInfo& info) {
   MCUC_LOG(kLogInfo, ">>>>>>>>>>>>>>>>Send RvCfg File:" << info.data[0]);
   if (info.data[0] == 1) {
-    Data_Global::getInstance()->LoadRvCfgToRecvCard(info.Register - cardfiles::kSend);
+    DriverUtil::getInstance()->LoadRvCfgToRecvCard(info.Register - cardfiles::kSend);
   }
 }
 

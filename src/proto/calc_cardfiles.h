@@ -19,6 +19,7 @@ inline constexpr uint32_t kSend = 0x0FF00100;     // + n sends file n
 inline constexpr uint32_t kControlLast = 0x0FF0011F;
 inline constexpr uint32_t kRenameBit = 0x00800000;
 
+inline constexpr uint32_t kImage = 0x100000;  // bytes of header, names and files together
 inline constexpr std::size_t kMostFiles = 16;
 inline constexpr uint32_t kHeaderEntry = 36;  // offset of file 0 in the header
 inline constexpr uint32_t kHeaderEntrySize = 32;

@@ -1,4 +1,6 @@
 // Replay of configuration files to the receiving cards.
+#include <algorithm>
+
 #include "driverutil.h"
 #include "mcuctrace.h"
 #include "proto/calc_cardfiles.h"
@@ -18,9 +20,12 @@ constexpr uint32_t kData = 96;
 constexpr uint32_t kLeast = 65;  // bytes that must be left for another package
 }  // namespace package
 
-bool ReadFlash(uint32_t address, std::span<uint8_t> into) {
-  if (DriverUtil::getInstance()->ReadBytesFromFlash(address, static_cast<uint32_t>(into.size()),
-                                                    into.data()) == 0) {
+// Reads at `offset` of the image in flash; false, logged, where that can't be read or isn't inside.
+bool ReadImage(uint32_t offset, std::span<uint8_t> into) {
+  const auto length = static_cast<uint32_t>(into.size());
+  const bool inside = offset <= cardfiles::kImage && length <= cardfiles::kImage - offset;
+  if (inside && DriverUtil::getInstance()->ReadBytesFromFlash(flash::kCardFiles + offset, length,
+                                                              into.data()) == 0) {
     return true;
   }
   MCUC_LOG(kLogError,
@@ -43,31 +48,27 @@ Package ReadPackage(std::span<const uint8_t, package::kHeadBytes> head) {
 
 }  // namespace
 
-int32_t Data_Global::LoadRvCfgToRecvCard(uint32_t load_index) {
-  const std::vector<uint8_t> file = DriverUtil::getInstance()->ReadRvFile(load_index);
+int32_t DriverUtil::LoadRvCfgToRecvCard(uint32_t load_index) {
+  const std::vector<uint8_t> file = ReadRvFile(load_index);
   CardPackReader packs(file);
-  while (const auto pack = packs.Next()) {
-    DriverUtil::getInstance()->SendCardPack(pack->reg, pack->data, pack->delay_ms);
-  }
+  while (const auto pack = packs.Next()) SendCardPack(pack->reg, pack->data, pack->delay_ms);
   return 0;
 }
 
 int32_t Data_Global::LoadRvCfgFromFlash(uint8_t number) {
   std::array<uint8_t, 4> offset{};
   std::array<uint8_t, 2> count{};
-  const uint32_t entry =
-      flash::kCardFiles + cardfiles::kHeaderEntry + cardfiles::kHeaderEntrySize * number;
-  if (!ReadFlash(entry, offset)) return 0;
-  uint32_t at = flash::kCardFiles + DWQ_DECDW(offset.data());
-  if (!ReadFlash(at, count)) return 0;
+  if (!ReadImage(cardfiles::kHeaderEntry + cardfiles::kHeaderEntrySize * number, offset)) return 0;
+  uint32_t at = DWQ_DECDW(offset.data());
+  if (!ReadImage(at, count)) return 0;
   at += cardfiles::kFirstPack;
   for (uint32_t left = DWQ_DECWD(count.data()); left > 0; --left) {
     std::array<uint8_t, cardfiles::kPackHead> head{};
-    if (!ReadFlash(at, head)) return 0;
+    if (!ReadImage(at, head)) return 0;
     const CardPackHead pack = ReadCardPackHead(head);
     if (pack.length > cardfiles::kMostPackData) return 0;
     std::vector<uint8_t> data(pack.length);
-    if (!data.empty() && !ReadFlash(at + cardfiles::kPackHead, data)) return 0;
+    if (!data.empty() && !ReadImage(at + cardfiles::kPackHead, data)) return 0;
     DriverUtil::getInstance()->SendCardPack(pack.reg, data, pack.delay_ms);
     at += cardfiles::kPackHead + pack.length;
   }
@@ -96,8 +97,8 @@ int Data_Global::LoadRecvCardFile(const char* buff) {
       return -1;
     }
     driver->SendCardPack(pack.reg, data, pack.hasDelay ? pack.delay_ms : 0);
-    if (pack.length == 0 || pack.length > total - pos) return -1;
-    pos += pack.length;
+    if (pack.length == 0) return -1;
+    pos += std::min(pack.length, total - pos);  // one that says more than is left is the last
   }
   return 0;
 }

@@ -91,6 +91,10 @@ class Data_Global : public Singleton<Data_Global> {
   int32_t WriteFeatureBus(uint32_t offset, std::span<const uint8_t> bytes);
   // Takes `length` bytes of the image from the FPGA. 0; -1 on failure, and the image is as before.
   int32_t RefreshFromFeatureBus(uint32_t offset, uint32_t length);
+  // Puts what a client writes into the image. Until the end of the write a refresh leaves these
+  // bytes alone, since the FPGA doesn't hold them yet, or never does. Work thread.
+  void BeginFeatureWrite(uint32_t offset, std::span<const uint8_t> bytes);
+  void EndFeatureWrite();
   // Fills the image from what was stored. With the FPGA online the image is ahead of the FPGA from
   // here on until a block of it has gone there: a refresh in between reads and takes nothing.
   void LoadFeatureImage(std::span<const uint8_t, 512> image);
@@ -129,10 +133,9 @@ class Data_Global : public Singleton<Data_Global> {
   // Leaves a line for a service engineer where the screen's width or height is 0.
   void DebugForScreenZero(uint16_t use_point, uint32_t addrs, const char* despString);
 
-  // --- Ports (data_store_screen.cpp)
-  // ----------------------------------------------------------------- Values of port 0 to 15 in the
-  // feature image, in pixels; offset Y for ports 0 to 9. Any other port changes nothing. None
-  // touches the FPGA.
+  // --- Ports (data_store_screen.cpp) ------------------------------------------------------------
+  // Values of port 0 to 15 in the feature image, in pixels; offset Y for ports 0 to 9. Any other
+  // port changes nothing. None touches the FPGA.
 
   void PortWidthUpdate(uint8_t port, uint16_t value);
   void PortHeightUpdate(uint8_t port, uint16_t value);
@@ -168,8 +171,7 @@ class Data_Global : public Singleton<Data_Global> {
   // Flash into the arrays and, once the FPGA is online, the arrays into the FPGA.
   void RestoreFPGA();
 
-  // --- Identity (data_identity.cpp)
-  // ---------------------------------------------------------------
+  // --- Identity (data_identity.cpp) -------------------------------------------------------------
 
   // At start: makes flash and environment store agree on the serial number.
   void SNTransfer();
@@ -183,20 +185,17 @@ class Data_Global : public Singleton<Data_Global> {
   // At start: reads the basic area and renews its fixed bytes.
   void ReadHardwareInfo();
 
-  // --- Configuration files of the cards (data_cardfiles.cpp); work thread
-  // -------------------------- Each sends the packs of one file to all cards, with the pauses that
-  // belong to it, and ends at the first pack that is too long.
+  // --- Configuration files of the cards (data_cardfiles.cpp); work thread -----------------------
+  // Each sends the packs of one file to all cards, with the pauses that belong to it, and ends at
+  // the first pack that is too long. `DriverUtil::LoadRvCfgToRecvCard` sends a file from disk.
 
-  // A numbered file on disk. 0.
-  int32_t LoadRvCfgToRecvCard(uint32_t load_index);
-  // A file of the image in flash. 0.
+  // A file of the image in flash; what would lie outside the image ends it. 0.
   int32_t LoadRvCfgFromFlash(uint8_t number);
   // A package file at device path `buff`, which has a form of its own. 0, or -1 where a package is
   // too long, doesn't move on, or can't be read.
   int LoadRecvCardFile(const char* buff);
 
-  // --- Factory reset (data_factory.cpp); flag thread
-  // ----------------------------------------------
+  // --- Factory reset (data_factory.cpp); flag thread --------------------------------------------
 
   // Prepares the store that the device has after its next reboot; `type` says what is kept. 0.
   int ReturnFactory(uint8_t type);
@@ -258,6 +257,8 @@ class Data_Global : public Singleton<Data_Global> {
   // refresh never undoes a write that is on its way. Held for one bus transfer at a time.
   CMutexThread m_featureBus;
   bool m_imageAhead MCUC_GUARDED_BY(m_featureBus) = false;  // see `LoadFeatureImage`
+  uint32_t m_writeBegin MCUC_GUARDED_BY(m_featureBus) = 0;  // see `BeginFeatureWrite`
+  uint32_t m_writeEnd MCUC_GUARDED_BY(m_featureBus) = 0;
 };
 
 class Data_Preset : public Singleton<Data_Preset> {

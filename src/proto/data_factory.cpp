@@ -7,8 +7,6 @@
 #include <memory>
 #include <new>
 
-#include <algorithm>
-
 #include "driverutil.h"
 #include "mcuctrace.h"
 #include "proto/calc_feature.h"
@@ -86,17 +84,17 @@ void ResetCards() {
 }
 
 // What every reset puts into the copy.
-void PatchCopy(const Data_Global& data, uint8_t changes, const Kept& light, uint8_t dhcp) {
+void PatchCopy(const CardSize& card, uint8_t changes, const Kept& light, uint8_t dhcp) {
   constexpr uint8_t kOneCard[] = {0, 1, 1, 1};
   constexpr uint32_t kShortcutCounts = 0x16;
   SharedBytes<8> size;
-  size.setU32(0, data.ReceiveCardWidth);
-  size.setU32(4, data.ReceiveCardHeight);
-  const auto card = size.snapshot<8>(0);
+  size.setU32(0, card.width);
+  size.setU32(4, card.height);
+  const auto bytes = size.snapshot<8>(0);
   const auto next = static_cast<uint8_t>(changes + 1);
-  WriteCopy(flash::kScreenSize, card);
+  WriteCopy(flash::kScreenSize, bytes);
   WriteCopy(flash::kScreenChanges, {&next, 1});
-  WriteCopy(flash::kCardSize, card);
+  WriteCopy(flash::kCardSize, bytes);
   WriteCopy(flash::kSmartLed, kOneCard);
   WriteCopy(flash::kShortcut + kShortcutCounts, std::span(kOneCard).subspan(1));
   WriteCopy(light);
@@ -134,20 +132,23 @@ int Data_Global::ReturnFactory(uint8_t type) {
   uint8_t dhcp = 0;
   if (type == kDefaultNetwork) {
     const bool set = SetIPVersion() == 0;
-    MCUC_LOG(set ? kLogInfo : kLogError, (set ? "=== ReturnFactory ===Set IP successfully! "
-                                              : "=== ReturnFactory ===Set IP failed! "));
+    MCUC_LOG(set ? kLogInfo : kLogError,
+             (set ? "Set IP successfully! " : "=== ReturnFactory ===Set IP failed! "));
   } else if (type == kKeepDhcp || type == kKeepFiles) {
-    dhcp = ReadByte(flash::kDhcpFlag, "read DHCP Para!!");
+    MCUC_LOG(kLogInfo, "read DHCP Para!!");
+    dhcp = ReadByte(flash::kDhcpFlag, "=== ReturnFactory ===Read from flash failed, DHCP flag");
     for (Kept& region : kept) Read(&region);
   }
   CopyFactoryImage();
-  GetRecvCardSize_EnvNew();  // without an answer the size known before serves
-  const uint8_t changes = ReadByte(flash::kScreenChanges, "=== ReturnFactory ===no count");
+  GetRecvCardSize_EnvNew();  // without a card that answers, its default serves
+  const CardSize card{ReceiveCardWidth, ReceiveCardHeight};  // whatever is asked for meanwhile
+  const uint8_t changes =
+      ReadByte(flash::kScreenChanges, "=== ReturnFactory ===Read from flash failed, screen count");
   LogStoredSizes(this);
   platform::RunShell("sync");
   Delay(kSettle_ms);
   ResetCards();
-  PatchCopy(*this, changes, light, dhcp);
+  PatchCopy(card, changes, light, dhcp);
   MCUC_LOG(kLogInfo,
            "============================= Finish return factory =============================");
   if (type == kKeepFiles) {

@@ -34,6 +34,8 @@ enum class OnMissing : uint8_t { kSetKey, kLeaveKey };
 // Brings flash in line with the environment, which gets the default number where it holds none.
 // `read` takes the number that the environment holds; null where nobody asks.
 void AlignSerial(OnMissing missing, uint8_t* read) {
+  MCUC_LOG(kLogInfo,
+           "================================ Begin SN transfer ==============================");
   if (envcfg_openenv() != 0) {
     envcfg_closeenv();
     MCUC_LOG(kLogError, "=== SNTransfer ===Error when openning env!");
@@ -61,11 +63,7 @@ void AlignSerial(OnMissing missing, uint8_t* read) {
 
 }  // namespace
 
-void Data_Global::SNTransfer() {
-  MCUC_LOG(kLogInfo,
-           "================================ Begin SN transfer ==============================");
-  AlignSerial(OnMissing::kSetKey, nullptr);
-}
+void Data_Global::SNTransfer() { AlignSerial(OnMissing::kSetKey, nullptr); }
 
 void Data_Global::GetEnvSNPara(uint8_t* read_sn) { AlignSerial(OnMissing::kLeaveKey, read_sn); }
 

@@ -59,12 +59,13 @@ enum class ReportFault : uint8_t { kNone, kTooShort, kLength, kChecksum };
 // Reads the head of a datagram and checks what follows it.
 ReportFault CheckReport(std::span<const uint8_t> datagram, UDP_MESG_T* head);
 
-// Opens the report socket, UDP port 58200 on "eth0". 0, or -1 with a line on standard output.
+// Opens the report socket, UDP port 58200 on "eth0", in place of one that was open. 0, or -1 with a
+// line on standard output, and none is open.
 int udp_port_init_sender();
 
 // Receives reports into `msg`, of `kReportBuffer` bytes, and checks them, until `keepOn` turns
-// false, which it looks at after every datagram and at least every two seconds. `fpga_sel` is not
-// used.
+// false, which it looks at after every datagram and at least every two seconds. Without an open
+// socket it returns at once. `fpga_sel` is not used.
 void RecvFpgaReportMsg(uint8_t fpga_sel, uint8_t* msg, const Relaxed<bool>& keepOn);
 
 }  // namespace ZEPH_MCUC

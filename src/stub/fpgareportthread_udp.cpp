@@ -3,6 +3,7 @@
 #include <netinet/in.h>
 #include <sys/select.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
@@ -23,6 +24,16 @@ constexpr long kSelect_s = 2;
 
 int sockfd = -1;
 sockaddr_in g_destination{};
+
+void CloseSocket() {
+  if (sockfd >= 0) close(sockfd);
+  sockfd = -1;
+}
+
+int Fail() {
+  CloseSocket();
+  return -1;
+}
 
 // A step of the set-up. One that must succeed ends it.
 struct SocketOption {
@@ -60,18 +71,19 @@ int udp_port_init_sender() {
       {SO_NO_CHECK, &off, sizeof(off), "set socket nochecksum error. ", true},
       {SO_RCVBUF, &buffer, sizeof(buffer), "SO_RCVBUF failed. %s\n", false},
       {SO_RCVTIMEO, &timeout, sizeof(timeout), "setsockopt timeout failed.", false}};
+  CloseSocket();
   sockfd = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
   if (sockfd < 0) {
     std::printf("create socket error. ");
     return -1;
   }
   for (const SocketOption& option : options) {
-    if (!Set(option)) return -1;
+    if (!Set(option)) return Fail();
   }
   const sockaddr_in any = Address(INADDR_ANY);
   if (bind(sockfd, reinterpret_cast<const sockaddr*>(&any), sizeof(any)) != 0) {
     std::printf("bind error. %s\n", std::strerror(errno));
-    return -1;
+    return Fail();
   }
   g_destination = Address(INADDR_BROADCAST);
   return 0;
@@ -89,6 +101,10 @@ ReportFault CheckReport(std::span<const uint8_t> datagram, UDP_MESG_T* head) {
 }
 
 void RecvFpgaReportMsg(uint8_t /*fpga_sel*/, uint8_t* msg, const Relaxed<bool>& keepOn) {
+  if (sockfd < 0 || sockfd >= FD_SETSIZE) {  // what select() can't watch
+    std::printf("fpga udp select error");
+    return;
+  }
   while (keepOn) {
     fd_set ready;
     FD_ZERO(&ready);

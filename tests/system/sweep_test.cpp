@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "board/envstore.h"
+#include "proto/calc_curves.h"
 #include "proto/data_common_tables.h"
 #include "support/device.h"
 #include "support/inprocess.h"
@@ -55,6 +56,28 @@ void ChangeAndSave() {
   Write(0x01000001, "01");
 }
 
+// A gamma set by pieces, which loads it too.
+void UploadGamma() {
+  const ZEPH_MCUC::GammaTable table = ZEPH_MCUC::PowerTable(2.2, 10);
+  for (const std::uint32_t colour : {0x0E002000, 0x0E102000, 0x0E202000}) {
+    for (std::uint32_t at = 0; at < table.size(); at += 1024) {
+      inprocess::Write(colour + at, std::span(table).subspan(at, 1024));
+      inprocess::DrainQueue();
+    }
+  }
+}
+
+// A piece may be lost by itself: the next ones come all the same.
+std::vector<sweep::Region> GammaRegions() {
+  std::vector<sweep::Region> regions = {{0xD00000, 4}, {0xD01000, 4}, {0xD02000, 4}};
+  for (std::uint32_t at = 0; at < 0x2000; at += 1024) {
+    for (const std::uint32_t table : {0xD03000, 0xD05000, 0xD07000}) {
+      regions.push_back({table + at, 1024});
+    }
+  }
+  return regions;
+}
+
 const Operation kOperations[] = {
     {.name = "feature",
      .prepare = [] { device::PutFlash(0x2400, "28"); },
@@ -71,7 +94,11 @@ const Operation kOperations[] = {
            device::PutFlash(0xD17000, "05");
            device::PutFlash(0xA3B100 + 0x1F0, "9cffffff3200000002");
          },
-     .act = [] { device::Restore(true); },
+     .act =
+         [] {
+           device::Restore(false);
+           device::Restore(true);
+         },
      .regions = {{0xD17000, 1}},
      .online = false},
     {.name = "firstboot",
@@ -86,6 +113,11 @@ const Operation kOperations[] = {
      // seen is a start like any other, which sends more of the page.
      .lasting = {"forever:flash-read", "once:env-open:1", "forever:env-open"},
      .online = false},
+    {.name = "hdr",
+     .prepare = [] { device::PutFlash(0xC21000, "00000000000000000000"); },
+     .act = [] { Write(0x02200117, "58"); },
+     .regions = {{0xC21000, 10}}},
+    {.name = "gamma", .prepare = [] {}, .act = UploadGamma, .regions = GammaRegions()},
 };
 
 class Sweep : public testing::TestWithParam<Operation> {};
