@@ -115,8 +115,11 @@ void DrawScreen(const ScalePlan& plan, Painter& painter) {
   const Box frame = stage.Place(layer);
   painter.Stroke(frame, colour, 2);
   DrawLayerLabel(plan, frame, colour, painter);
-  painter.Text("output " + SizeOf(plan.output), {region.x + 8, region.bottom() - 9}, kLabelFont,
-               palette::kSoftInk, Align::kLeft, std::max(region.width - 16, 70.0));
+  // On the side where the layer's frame doesn't cross it.
+  const bool above = frame.y >= region.y || frame.bottom() > region.bottom();
+  painter.Text("output " + SizeOf(plan.output),
+               {region.right(), above ? region.y - 9 : region.bottom() + 18}, kLabelFont,
+               palette::kSoftInk, Align::kRight);
 }
 
 // What one scaler does, on the road from the source to the screen.
