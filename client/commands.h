@@ -18,6 +18,13 @@ extern const Command kTimeCommand;
 extern const Command kFeatureCommand;
 extern const Command kStoreCommand;
 extern const Command kWallCommand;
+extern const Command kSaveCommand;
+extern const Command kReloadCommand;
+extern const Command kMappingCommand;
+extern const Command kTestPointCommand;
+extern const Command kIdentityCommand;
+extern const Command kFilesCommand;
+extern const Command kResetCommand;
 
 // In the order in which help lists them.
 std::span<const Command* const> Commands();
