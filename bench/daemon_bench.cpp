@@ -1,48 +1,25 @@
 // The road of a request, piece by piece and whole, on the calling thread: codec, checksum,
 // dispatch. Makes a board folder of its own.
 #include <benchmark/benchmark.h>
-#include <unistd.h>
 
 #include <array>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <numeric>
-#include <string>
 #include <vector>
 
 #include "driverutil.h"
+#include "own_board.h"
 #include "stub/stubutil.h"
 #include "support/inprocess.h"
 
 namespace {
 
 using namespace ZEPH_MCUC;
+using bench::OwnBoard;
 
 constexpr uint32_t kTestCell = 0xF0400000;
-
-// The folder of the board that all of these run on; removed when the program ends.
-class Board {
- public:
-  Board() : path_(std::filesystem::temp_directory_path() / "quivord-bench-XXXXXX") {
-    if (mkdtemp(path_.data()) == nullptr) std::abort();
-    setenv("QUIVORD_BOARD", path_.c_str(), 1);
-  }
-  ~Board() {
-    std::error_code ignored;  // a folder that stays is no failure of the measurement
-    std::filesystem::remove_all(path_, ignored);
-  }
-  const std::string& path() const { return path_; }
-
- private:
-  std::string path_;
-};
-
-const Board& OwnBoard() {
-  static const Board board;
-  return board;
-}
 
 // The frame of a write of `size` bytes, as it arrives.
 std::vector<uint8_t> WriteFrame(std::size_t size) {

@@ -6,10 +6,24 @@ std::span<const Command* const> Commands() {
   // A line each, so that commands join without touching others.
   // clang-format off
   static constexpr const Command* kCommands[] = {
-      &kStatusCommand,  &kWallCommand,     &kOutputCommand,  &kFeatureCommand, &kTimeCommand,
-      &kMappingCommand, &kFilesCommand,    &kIdentityCommand,
-      &kSaveCommand,    &kReloadCommand,   &kResetCommand,
-      &kMonitorCommand, &kStoreCommand,    &kReadCommand,    &kWriteCommand,   &kTestPointCommand,
+      &kStatusCommand,
+      &kWallCommand,
+      &kCardCommand,
+      &kBrightnessCommand,
+      &kOutputCommand,
+      &kFeatureCommand,
+      &kTimeCommand,
+      &kMappingCommand,
+      &kFilesCommand,
+      &kIdentityCommand,
+      &kSaveCommand,
+      &kReloadCommand,
+      &kResetCommand,
+      &kMonitorCommand,
+      &kStoreCommand,
+      &kReadCommand,
+      &kWriteCommand,
+      &kTestPointCommand,
       &kPingCommand,
   };
   // clang-format on

@@ -12,6 +12,7 @@ extern const Command kReadCommand;
 extern const Command kWriteCommand;
 extern const Command kMonitorCommand;
 extern const Command kPingCommand;
+extern const Command kBrightnessCommand;
 extern const Command kStatusCommand;
 extern const Command kOutputCommand;
 extern const Command kTimeCommand;
@@ -25,6 +26,7 @@ extern const Command kTestPointCommand;
 extern const Command kIdentityCommand;
 extern const Command kFilesCommand;
 extern const Command kResetCommand;
+extern const Command kCardCommand;
 
 // In the order in which help lists them.
 std::span<const Command* const> Commands();

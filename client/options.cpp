@@ -63,6 +63,7 @@ board::Settings SettingsOf(const std::filesystem::path& board) {
 // A place behind the ports: a number, or `all`.
 std::uint16_t Place(const std::string& word, std::uint16_t most, std::uint16_t all,
                     const char* option, const char* reason) {
+  if (word.empty()) return 0;
   if (word == "all") return all;
   return static_cast<std::uint16_t>(Want(ParseNumber(word, most), option, reason));
 }
@@ -92,12 +93,10 @@ void Declare(CLI::App& app, OptionWords& words) {
                  "Whose registers: sender, receiver, multi, distribute or launcher")
       ->type_name("KIND")
       ->capture_default_str();
-  app.add_option("--port", words.port, "Output port of the device, 0 to 15 or all")
-      ->type_name("N")
-      ->capture_default_str();
-  app.add_option("--card", words.card, "Place of the device on its port, 0 up or all")
-      ->type_name("N")
-      ->capture_default_str();
+  app.add_option("--port", words.port, "Output port of the device, 0 to 15 or all (default: 0)")
+      ->type_name("N");
+  app.add_option("--card", words.card, "Place of the device on its port, 0 up or all (default: 0)")
+      ->type_name("N");
   app.add_option("--timeout", words.timeout_s, "How long to wait for an answer")
       ->type_name("SECONDS")
       ->capture_default_str();
@@ -117,6 +116,8 @@ Options Understand(const OptionWords& words) {
       Place(words.port, 15, 0xFF, "--port", "is a port from 0 to 15, or all"));
   options.target.board =
       Place(words.card, 0xFFFE, 0xFFFF, "--card", "is a place from 0 to 65534, or all");
+  options.portGiven = !words.port.empty();
+  options.cardGiven = !words.card.empty();
   if (!(words.timeout_s > 0 && words.timeout_s <= kMostTimeout_s)) {
     throw CLI::ValidationError("--timeout", "is a number of seconds above 0, at most 3600");
   }

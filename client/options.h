@@ -16,6 +16,8 @@ struct Options {
   std::filesystem::path board;      // the board folder
   std::optional<std::uint32_t> as;  // task identifier, slot included; none: what the command likes
   quivord::Target target;
+  bool portGiven = false;  // whether the command line names a port and a card, or they are 0
+  bool cardGiven = false;
   std::chrono::milliseconds timeout{5000};
   bool json = false;
 
@@ -34,8 +36,8 @@ struct OptionWords {
   std::string board;
   std::string as;
   std::string device = "sender";
-  std::string port = "0";
-  std::string card = "0";
+  std::string port;
+  std::string card;
   double timeout_s = 5;
   bool json = false;
 };

@@ -17,14 +17,18 @@ Exit ExitFor(const quivord::Error& error) {
   return error.trouble == quivord::Trouble::kWrongUse ? Exit::kWrongUse : Exit::kNoAnswer;
 }
 
-std::string Refusal(std::uint8_t ack) {
-  return "refused: " + std::string(quivord::AckText(ack)) + " (ack " + std::to_string(ack) + ")";
+// An ack in words. Behind a port the one for a command that isn't known says something else.
+std::string Refusal(const Options& options, std::uint8_t ack) {
+  const bool noLink = !ForTheSender(options) && ack == ZEPH_MCUC::JSHL_invalidCMD;
+  const std::string text = noLink ? "the port has no link, or no such device answers there"
+                                  : std::string(quivord::AckText(ack));
+  return "refused: " + text + " (ack " + std::to_string(ack) + ")";
 }
 
 // An answer that has come, as far as its ack tells.
-Answer Judge(const quivord::Result<quivord::Reply>& reply) {
+Answer Judge(const Options& options, const quivord::Result<quivord::Reply>& reply) {
   if (!reply) return {ExitFor(reply.error()), reply.error().text, {}};
-  if (reply.value().ack != 0) return {Exit::kRefused, Refusal(reply.value().ack), {}};
+  if (reply.value().ack != 0) return {Exit::kRefused, Refusal(options, reply.value().ack), {}};
   return {Exit::kDone, "", reply.value().data};
 }
 
@@ -32,8 +36,9 @@ Answer Judge(const quivord::Result<quivord::Reply>& reply) {
 
 Answer ReadRegister(const Options& options, quivord::Client& client, std::uint32_t address,
                     std::uint16_t length) {
-  Answer answer = Judge(client.Call(
-      {.target = options.target, .address = address, .length = length}, options.timeout));
+  Answer answer =
+      Judge(options, client.Call({.target = options.target, .address = address, .length = length},
+                                 options.timeout));
   if (answer.exit != Exit::kDone || !answer.data.empty() || length == 0) return answer;
   if (!ForTheSender(options)) return {Exit::kRefused, "refused: the reply has no data", {}};
   const Prospect prospect = ZEPH_MCUC::ForeseeRead(address, length);
@@ -54,11 +59,11 @@ std::optional<std::string> WriteObstacle(const Options& options, std::uint32_t a
 Answer WriteRegister(const Options& options, quivord::Client& client, std::uint32_t address,
                      std::vector<std::uint8_t> data) {
   const auto length = static_cast<std::int32_t>(data.size());
-  Answer answer = Judge(client.Call({.operation = quivord::Operation::kWrite,
-                                     .target = options.target,
-                                     .address = address,
-                                     .data = std::move(data)},
-                                    options.timeout));
+  Answer answer = Judge(options, client.Call({.operation = quivord::Operation::kWrite,
+                                              .target = options.target,
+                                              .address = address,
+                                              .data = std::move(data)},
+                                             options.timeout));
   if (answer.exit != Exit::kDone || !ForTheSender(options)) return answer;
   const Prospect prospect = ZEPH_MCUC::ForeseeWrite(address, length);
   if (prospect.meets == Meets::kNothing) answer.text = prospect.text;

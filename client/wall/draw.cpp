@@ -96,12 +96,6 @@ void DrawStage(const Wall& wall, const Picture& picture, Painter& painter) {
   DrawDimension(painter, {x, screen.y}, {x, screen.bottom()}, wall.screen.height);
 }
 
-std::optional<Format> FormatOf(const std::filesystem::path& file) {
-  if (file.extension() == ".png") return Format::kPng;
-  if (file.extension() == ".svg") return Format::kSvg;
-  return std::nullopt;
-}
-
 std::optional<std::string> DrawObstacle(const Wall& wall) {
   if (wall.card.empty()) return "the device knows no card size, so cabinets have no size";
   if (wall.screen.empty()) return "the device's screen has no size";

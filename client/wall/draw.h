@@ -11,14 +11,8 @@
 
 namespace quivord::wall {
 
-// The format that a file name asks for: .png or .svg; nothing for any other.
-std::optional<Format> FormatOf(const std::filesystem::path& file);
-
 // Why there is nothing to draw, or nothing where there is.
 std::optional<std::string> DrawObstacle(const Wall& wall);
-
-inline constexpr int kScale = 2;  // sharp on fine screens and on paper
-inline constexpr int kMostScale = 4;
 
 // Draws `wall`, which has no `DrawObstacle`, into `file`; a unit of the picture makes `scale`
 // pixels of a PNG, up to `kMostScale`. An empty text where that has worked, else why not; what the

@@ -15,7 +15,9 @@ namespace board {
 namespace {
 
 constexpr std::int64_t kMicroseconds = 1000000;
-constexpr std::uint64_t kShortestDivided = 1000;  // waits below it are the hardware's, not divided
+// A thread that has nothing to do looks again after so long. Waits up to that are not divided, save
+// those that carry the board's time: the sooner looks would find nothing and keep the PC busy.
+constexpr std::uint64_t kIdle_us = 1000;
 
 thread_local bool t_keeps_time = false;
 
@@ -73,7 +75,8 @@ namespace platform {
 
 void SleepMicroseconds(std::uint64_t microseconds) {
   const std::uint64_t speed = board::Config().speed;
-  if (speed == 1 || microseconds < board::kShortestDivided) {
+  const bool idle = microseconds <= board::kIdle_us && !board::t_keeps_time;
+  if (speed == 1 || idle) {
     board::WaitOnPc(microseconds);
   } else {
     board::WaitOnPc((microseconds + speed - 1) / speed);

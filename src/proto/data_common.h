@@ -91,6 +91,10 @@ class Data_Global : public Singleton<Data_Global> {
   int32_t WriteFeatureBus(uint32_t offset, std::span<const uint8_t> bytes);
   // Takes `length` bytes of the image from the FPGA. 0; -1 on failure, and the image is as before.
   int32_t RefreshFromFeatureBus(uint32_t offset, uint32_t length);
+  // Puts what a client writes into the image. Until the end of the write a refresh leaves these
+  // bytes alone, since the FPGA doesn't hold them yet, or never does. Work thread.
+  void BeginFeatureWrite(uint32_t offset, std::span<const uint8_t> bytes);
+  void EndFeatureWrite();
   // Fills the image from what was stored. With the FPGA online the image is ahead of the FPGA from
   // here on until a block of it has gone there: a refresh in between reads and takes nothing.
   void LoadFeatureImage(std::span<const uint8_t, 512> image);
@@ -253,6 +257,8 @@ class Data_Global : public Singleton<Data_Global> {
   // refresh never undoes a write that is on its way. Held for one bus transfer at a time.
   CMutexThread m_featureBus;
   bool m_imageAhead MCUC_GUARDED_BY(m_featureBus) = false;  // see `LoadFeatureImage`
+  uint32_t m_writeBegin MCUC_GUARDED_BY(m_featureBus) = 0;  // see `BeginFeatureWrite`
+  uint32_t m_writeEnd MCUC_GUARDED_BY(m_featureBus) = 0;
 };
 
 class Data_Preset : public Singleton<Data_Preset> {

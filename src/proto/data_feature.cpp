@@ -29,7 +29,7 @@ enum class Then : uint8_t { kGoOn, kStop };
 using Step = Then (*)(FeatureWrite& write);
 
 Then StoreInImage(FeatureWrite& write) {
-  write.reg.write(write.offset, write.data);
+  write.global.BeginFeatureWrite(write.offset, write.data);
   write.global.DebugForScreenZero(0, write.address, "Read software para!!");
   return Then::kGoOn;
 }
@@ -278,8 +278,9 @@ void Data_Global::DoWriteFeatureInfo(uint32_t addr, uint16_t len, const uint8_t*
   if (data == nullptr || len == 0 || offset + len > feature::kSize) return;
   FeatureWrite write{*this, SendParameterReg, addr, offset, {data, len}};
   for (const Step step : kSteps) {
-    if (step(write) == Then::kStop) return;
+    if (step(write) == Then::kStop) break;
   }
+  EndFeatureWrite();
 }
 
 }  // namespace ZEPH_MCUC

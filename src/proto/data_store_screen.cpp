@@ -131,11 +131,27 @@ int32_t Data_Global::WriteFeatureBus(uint32_t offset, std::span<const uint8_t> b
 
 int32_t Data_Global::RefreshFromFeatureBus(uint32_t offset, uint32_t length) {
   std::array<uint8_t, feature::kSize> bytes;
-  length = std::min(length, feature::kSize);
+  length = std::min(length, feature::kSize - std::min(offset, feature::kSize));
   const CMutexGuardT guard(m_featureBus);
   const int32_t result = DriverUtil::getInstance()->ReadFPGABusBlock(offset, bytes.data(), length);
-  if (result >= 0 && !m_imageAhead) SendParameterReg.write(offset, {bytes.data(), length});
+  if (result < 0 || m_imageAhead) return result;
+  for (uint32_t i = 0; i < length; ++i) {
+    const uint32_t at = offset + i;
+    if (at < m_writeBegin || at >= m_writeEnd) SendParameterReg[at] = bytes[i];
+  }
   return result;
+}
+
+void Data_Global::BeginFeatureWrite(uint32_t offset, std::span<const uint8_t> bytes) {
+  const CMutexGuardT guard(m_featureBus);
+  SendParameterReg.write(offset, bytes);
+  m_writeBegin = offset;
+  m_writeEnd = offset + static_cast<uint32_t>(bytes.size());
+}
+
+void Data_Global::EndFeatureWrite() {
+  const CMutexGuardT guard(m_featureBus);
+  m_writeBegin = m_writeEnd = 0;
 }
 
 void Data_Global::LoadFeatureImage(std::span<const uint8_t, feature::kSize> image) {

@@ -1,11 +1,11 @@
 #include "support/sweep_store.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
+#include <cstring>
 #include <sstream>
 
 #include "board/files.h"
@@ -19,18 +19,22 @@ constexpr std::size_t kPage = 4096;
 
 std::filesystem::path File() { return board::StorePath(board::Store::kLive); }
 
+bool SamePage(View one, View other, std::size_t at) {
+  return std::memcmp(&one[at], &other[at], kPage) == 0;
+}
+
 bool Touches(const StoreWrite& write, const Region& region) {
   return write.address < region.address + region.length &&
          region.address < write.address + write.data.size();
 }
 
-Bytes Part(const Bytes& store, const Region& region) {
+Bytes Part(View store, const Region& region) {
   const auto begin = store.begin() + region.address;
   return {begin, begin + region.length};
 }
 
 // The region's content in front of the writes and behind each that touches it.
-std::vector<Bytes> Contents(const Bytes& before, const std::vector<StoreWrite>& writes,
+std::vector<Bytes> Contents(View before, const std::vector<StoreWrite>& writes,
                             const Region& region) {
   std::vector<Bytes> contents = {Part(before, region)};
   for (const StoreWrite& write : writes) {
@@ -75,21 +79,25 @@ std::vector<StoreWrite> TracedWrites(const std::vector<std::string>& lines) {
   return writes;
 }
 
-Bytes ReadStore() {
-  std::ifstream file(File(), std::ios::binary);
-  Bytes bytes(board::kStoreSize);
-  file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-  return bytes;
+// Mapped, and mapped anew where a reset has put another file in its place.
+View Store() {
+  static ino_t mapped = 0;
+  static const std::byte* bytes = nullptr;
+  struct stat status {};
+  if (stat(File().c_str(), &status) == 0 && status.st_ino != mapped) {
+    bytes = board::MapShared(File(), board::kStoreSize);
+    mapped = status.st_ino;
+  }
+  return {reinterpret_cast<const std::uint8_t*>(bytes), board::kStoreSize};
 }
 
 // Page by page, what differs alone.
-void PutStore(const Bytes& bytes) {
-  const Bytes present = ReadStore();
+void PutStore(View bytes) {
+  const View present = Store();
   const board::FileHandle file(open(File().c_str(), O_WRONLY | O_CLOEXEC));
   for (std::size_t at = 0; at < bytes.size(); at += kPage) {
-    const auto page = bytes.begin() + static_cast<std::ptrdiff_t>(at);
-    if (std::equal(page, page + kPage, present.begin() + static_cast<std::ptrdiff_t>(at))) continue;
-    if (pwrite(file.get(), &*page, kPage, static_cast<off_t>(at)) != kPage) {
+    if (SamePage(bytes, present, at)) continue;
+    if (pwrite(file.get(), &bytes[at], kPage, static_cast<off_t>(at)) != kPage) {
       board::Fail("the sweep can't put the store back");
     }
   }
@@ -114,20 +122,19 @@ std::string Recount(const std::vector<StoreWrite>& writes, const std::vector<Reg
   return "";
 }
 
-std::string Difference(const Bytes& store, const Bytes& wanted,
-                       const std::vector<Region>& regions) {
-  for (auto at = store.begin();; ++at) {
-    at = std::mismatch(at, store.end(), wanted.begin() + (at - store.begin())).first;
-    if (at == store.end()) return "";
-    const auto address = static_cast<std::size_t>(at - store.begin());
+std::string Difference(View store, View wanted, const std::vector<Region>& regions) {
+  for (std::size_t at = 0; at < store.size(); ++at) {
+    while (at % kPage == 0 && at < store.size() && SamePage(store, wanted, at)) at += kPage;
+    if (at == store.size() || store[at] == wanted[at]) continue;
     const bool free = std::ranges::any_of(regions, [=](const Region& region) {
-      return region.free && address >= region.address && address < region.address + region.length;
+      return region.free && at >= region.address && at < region.address + region.length;
     });
-    if (!free) return At(address, "differs");
+    if (!free) return At(at, "differs");
   }
+  return "";
 }
 
-std::string Judge(const Bytes& store, const Bytes& before, const std::vector<StoreWrite>& writes,
+std::string Judge(View store, View before, const std::vector<StoreWrite>& writes,
                   const std::vector<Region>& regions, const Damage& damage) {
   std::vector<Region> all = regions;
   for (Region& region : all) {

@@ -4,12 +4,14 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
 namespace sweep {
 
 using Bytes = std::vector<std::uint8_t>;
+using View = std::span<const std::uint8_t>;
 
 // A stretch of the live store that an operation may change.
 struct Region {
@@ -28,9 +30,9 @@ struct StoreWrite {
 // The writes of a trace that holds flash lines, in their order.
 std::vector<StoreWrite> TracedWrites(const std::vector<std::string>& lines);
 
-// The live store, and how it is made to hold `bytes` again.
-Bytes ReadStore();
-void PutStore(const Bytes& bytes);
+// The live store as it is now, and how it is made to hold `bytes` again.
+View Store();
+void PutStore(View bytes);
 
 // `before` with the first `count` of `writes`.
 Bytes WithWrites(const Bytes& before, const std::vector<StoreWrite>& writes, std::size_t count);
@@ -39,7 +41,7 @@ Bytes WithWrites(const Bytes& before, const std::vector<StoreWrite>& writes, std
 std::string Recount(const std::vector<StoreWrite>& writes, const std::vector<Region>& regions);
 
 // Where one store differs from another, or empty. A free region never differs.
-std::string Difference(const Bytes& store, const Bytes& wanted, const std::vector<Region>& regions);
+std::string Difference(View store, View wanted, const std::vector<Region>& regions);
 
 // What power may have done to writes.
 struct Damage {
@@ -50,7 +52,7 @@ struct Damage {
 // What is wrong with `store` in the middle of an operation that turns `before` by `writes`, or
 // empty: each region holds its old content or that after one of the writes, a damaged one a mix of
 // their bytes, and outside the regions nothing has changed.
-std::string Judge(const Bytes& store, const Bytes& before, const std::vector<StoreWrite>& writes,
+std::string Judge(View store, View before, const std::vector<StoreWrite>& writes,
                   const std::vector<Region>& regions, const Damage& damage);
 
 }  // namespace sweep

@@ -76,6 +76,9 @@ class Bus : public testing::Test {
         support::Daemon::Options{.board = board_kit::Named(), .arguments = std::move(arguments)});
     ASSERT_TRUE(daemon_->WaitUntilItAnswers()) << daemon_->OutputText();
   }
+  void TearDown() override {
+    EXPECT_EQ(daemon_->OutputText().find("Sanitizer"), std::string::npos) << daemon_->OutputText();
+  }
   static RawPeer Connect(uint32_t id) { return {board_kit::Named(), id}; }
   ~Bus() override { std::filesystem::remove(board_kit::Named().string() + ".output"); }
 
@@ -224,6 +227,24 @@ TEST_F(Bus, SecondDaemonIsRefusedAndTheFirstGoesOn) {
   Start();  // the lock and the socket of a daemon that was killed are in nobody's way
   RawPeer again = Connect(0x7F0001);
   ExpectAnswer(again);
+}
+
+// All threads at work: the loop polls and reports, the queue works, peers read and write.
+TEST_F(Bus, LoopWorkAndRequestsRunSideBySide) {
+  board_kit::Put("etc/init.d/flag_fpgaload", "");
+  Start();
+  RawPeer service = Connect(task::kOwd);
+  RawPeer peer = Connect(0x7F0001);
+  for (uint8_t i = 0; i < 60; ++i) {
+    ASSERT_TRUE(peer.Send(Message(
+        1, Frame{.code = 1, .address = 0x02000050U + i, .length = 1, .data = {i}}.Packet())));
+    ASSERT_TRUE(peer.Send(Message(1, Frame{.address = 0x020001E8, .length = 16}.Packet())));
+    EXPECT_EQ(peer.Receive().value_or(Data{}).size(), 28U + 20U);
+    EXPECT_EQ(peer.Receive().value_or(Data{}).size(), 28U + 20U + 16U);
+  }
+  const auto report = service.Receive();  // the loop has seen the service and reports afresh
+  ASSERT_TRUE(report.has_value());
+  EXPECT_EQ(DWQ_DECDW(&(*report)[16]), 0U) << "a report has no tag";
 }
 
 TEST_F(Bus, StartsInItsOrder) {

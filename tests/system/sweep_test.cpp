@@ -5,7 +5,9 @@
 #include <cstdlib>
 
 #include "board/envstore.h"
+#include "proto/calc_curves.h"
 #include "proto/data_common_tables.h"
+#include "stub/mcuqmbthread.h"
 #include "support/device.h"
 #include "support/inprocess.h"
 #include "support/sweep.h"
@@ -16,11 +18,15 @@ using sweep::Operation;
 
 constexpr sweep::Region kChanges = {.address = 0xD17000, .length = 1, .free = true};
 
-// What a save writes, and more.
-std::vector<sweep::Region> Saved(std::vector<sweep::Region> regions) {
-  constexpr sweep::Region kSaved[] = {
-      {0xA3B100, 512}, {0xA61000, 512}, {0xB88000, 4}, {0xA3C000, 40960}, {0xA5C000, 768}};
-  regions.insert(regions.end(), std::begin(kSaved), std::end(kSaved));
+// What `saves` saves write, and more. The image may be written in between as well: `image` times in
+// all.
+std::vector<sweep::Region> Saved(std::vector<sweep::Region> regions, int saves = 1, int image = 1) {
+  const sweep::Region saved[] = {{0xA3B100, 512, image},
+                                 {0xA61000, 512, saves},
+                                 {0xB88000, 4},
+                                 {0xA3C000, 40960, saves},
+                                 {0xA5C000, 768, saves}};
+  regions.insert(regions.end(), std::begin(saved), std::end(saved));
   return regions;
 }
 
@@ -55,6 +61,34 @@ void ChangeAndSave() {
   Write(0x01000001, "01");
 }
 
+// A smart configuration, and two passes of the loop's debounce behind it.
+void ConfigureWall() {
+  Write(0x02810010, "00000000000004030500");
+  for (int pass = 0; pass < 2; ++pass) ZEPH_MCUC::McuQMBThread::CalculateSenderParaHandler();
+}
+
+// A gamma set by pieces, which loads it too.
+void UploadGamma() {
+  const ZEPH_MCUC::GammaTable table = ZEPH_MCUC::PowerTable(2.2, 10);
+  for (const std::uint32_t colour : {0x0E002000, 0x0E102000, 0x0E202000}) {
+    for (std::uint32_t at = 0; at < table.size(); at += 1024) {
+      inprocess::Write(colour + at, std::span(table).subspan(at, 1024));
+      inprocess::DrainQueue();
+    }
+  }
+}
+
+// A piece may be lost by itself: the next ones come all the same.
+std::vector<sweep::Region> GammaRegions() {
+  std::vector<sweep::Region> regions = {{0xD00000, 4}, {0xD01000, 4}, {0xD02000, 4}};
+  for (std::uint32_t at = 0; at < 0x2000; at += 1024) {
+    for (const std::uint32_t table : {0xD03000, 0xD05000, 0xD07000}) {
+      regions.push_back({table + at, 1024});
+    }
+  }
+  return regions;
+}
+
 const Operation kOperations[] = {
     {.name = "feature",
      .prepare = [] { device::PutFlash(0x2400, "28"); },
@@ -71,7 +105,11 @@ const Operation kOperations[] = {
            device::PutFlash(0xD17000, "05");
            device::PutFlash(0xA3B100 + 0x1F0, "9cffffff3200000002");
          },
-     .act = [] { device::Restore(true); },
+     .act =
+         [] {
+           device::Restore(false);
+           device::Restore(true);
+         },
      .regions = {{0xD17000, 1}},
      .online = false},
     {.name = "firstboot",
@@ -86,6 +124,20 @@ const Operation kOperations[] = {
      // seen is a start like any other, which sends more of the page.
      .lasting = {"forever:flash-read", "once:env-open:1", "forever:env-open"},
      .online = false},
+    {.name = "smart",
+     .prepare = [] {},
+     .act = ConfigureWall,
+     .regions = Saved({{0xB99000, 0x20, 5}, {0xC20000, 8}, kChanges, {0xC20040, 15}}, 2, 3)},
+    {.name = "advanced",
+     .prepare = [] { device::PutFlash(0xB99050, "0005000000000203000000010000"); },
+     .act = [] { Write(0x02810000, "b9"); },
+     .regions = Saved({{0xB99000, 1}, {0xC20000, 8}, kChanges, {0xC20040, 15}}, 2, 5),
+     .pageEnd = 0x1EC},
+    {.name = "hdr",
+     .prepare = [] { device::PutFlash(0xC21000, "00000000000000000000"); },
+     .act = [] { Write(0x02200117, "58"); },
+     .regions = {{0xC21000, 10}}},
+    {.name = "gamma", .prepare = [] {}, .act = UploadGamma, .regions = GammaRegions()},
 };
 
 class Sweep : public testing::TestWithParam<Operation> {};

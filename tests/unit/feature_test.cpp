@@ -1,7 +1,6 @@
-// The feature space: what each write sets off, in order, and what a read shows.
+// Writes to the feature space: what each sets off, and in which order.
 #include <gtest/gtest.h>
 #include <platform/mbus.h>
-#include <platform/system.h>
 
 #include "board/faults.h"
 #include "process/tprocess_ctl.h"
@@ -379,98 +378,6 @@ TEST(FeatureWrite, FailuresAreLoggedAndTheRestRuns) {
     EXPECT_EQ(Image(c.write.offset, 1), c.write.hex) << "the array holds the client's value";
     EXPECT_GE(support::Count(trace.Take(), "flash W 0xa3b100"), 1);
   }
-}
-
-TEST(FeatureRead, IsBroughtUpToDateFromTheFpgaWhereItReachesPastTheBusPage) {
-  struct Case {
-    std::uint32_t offset;
-    std::uint16_t length;
-    const char* refresh;
-  };
-  constexpr Case kCases[] = {
-      {0x1E8, 4, ""},
-      {0x1E8, 8, ""},
-      {0x1E8, 9, "fpga R 0x1e8 x8\n"},
-      {0x1EC, 4, ""},
-      {0x1EC, 5, "fpga R 0x1ec x4\n"},
-      {0x1ED, 19, ""},
-      {0, 512, "fpga R 0x0 x496\n"},
-      {0x1F0, 16, ""},
-  };
-  device::Begin("fpga");
-  for (const Case& c : kCases) {
-    ResetImage();
-    device::PutFpga(0x1EC, "11223344");
-    device::PutFpga(0x1F0, "55");
-    support::Trace trace;
-    const auto reply = inprocess::Read(kBase + c.offset, c.length);
-    EXPECT_EQ(trace.Take(), c.refresh) << std::hex << c.offset;
-    EXPECT_EQ(reply.m_data.size(), c.length);
-    EXPECT_EQ(Image(0x1EC, 5), *c.refresh == '\0' ? "0004000300" : "1122334400");
-  }
-}
-
-TEST(FeatureRead, ShowsForcedBytesTheClockAndLinksBehindTheFibers) {
-  device::Begin("none");
-  ResetImage();
-  const timeval time{1'709'441'999, 0};
-  platform::SetTimeOfDay(&time, nullptr);
-  device::PutImage(0x00, "1111111111111111111111111111111111");
-  device::PutImage(0x1F, "01");
-  device::PutImage(0x126, "8002");
-  Global().Fiber1BelowLinkStatus_buff.setU16(0, 0x1234);
-  Global().Fiber2BelowLinkStatus_buff.setU16(0, 0x8042);
-  EXPECT_EQ(device::Hex(inprocess::Read(kBase, 0x20).m_data),
-            "11ffffffffffffffffffff1111ffff0000"
-            "240303045959"
-            "000000000000000007");
-  EXPECT_EQ(device::Hex(inprocess::Read(kBase + 0x9F, 1).m_data), "07");
-  EXPECT_EQ(device::Hex(inprocess::Read(kBase + 0x126, 2).m_data), "820b");
-}
-
-TEST(FeatureRead, EndsInDataOrIsRefused) {
-  struct Case {
-    std::uint32_t address;
-    std::uint16_t length;
-    int ack;
-    std::size_t bytes;
-  };
-  constexpr Case kCases[] = {
-      {kBase + 0x1FF, 1, 0, 1}, {kBase + 0x1FF, 2, 0, 0},  {kBase + 0x200, 1, 0, 0},
-      {kBase, 512, 0, 512},     {kBase, 513, 0, 0},        {kBase, 1025, 4, 0},
-      {kBase, 0, 4, 0},         {kBase + 0xFFFF, 1, 0, 0}, {kBase + 0x4B, 1, 0, 1},
-      {kBase + 0x4B, 2, 0, 2},  {kBase + 0xF04B, 1, 0, 1},
-  };
-  device::Begin("none");
-  ResetImage();
-  device::PutImage(0x4B, "77");
-  device::PutFpga(0x4B, "77");
-  for (const Case& c : kCases) {
-    const auto reply = inprocess::Read(c.address, c.length);
-    EXPECT_EQ(reply.m_ucAck, c.ack) << std::hex << c.address << " " << c.length;
-    EXPECT_EQ(reply.m_data.size(), c.bytes) << std::hex << c.address << " " << c.length;
-    if (c.length == 1 && (c.address & 0xFFF) == 0x4B) {
-      EXPECT_EQ(reply.m_data[0], 0);
-    }
-  }
-  device::Log log(0);
-  SetFaultCount(Fault::kFpgaRead, 3);
-  EXPECT_TRUE(inprocess::Read(kBase, 512).m_data.empty());
-  EXPECT_TRUE(
-      log.Take().ends_with("Error === ReadFromFeatureInfo ===Read from FPGA BasicPara failed "
-                           "when reading feature information! \n"));
-  EXPECT_EQ(Image(0x4B, 1), "77") << "the image is as before";
-}
-
-TEST(FeatureRead, LeavesATrailWhereTheScreenHasNoSize) {
-  device::Begin("shell");
-  support::Trace trace;
-  inprocess::Read(kBase + 0x45, 1);
-  EXPECT_EQ(trace.Take(),
-            "shell echo \"Point:10 ,use adddr:0x2000045, wide:0 high:0, "
-            "description:ReadFromFeatureInfo, Read FPGA para!!\" >> "
-            "/root/screen_zero.txt\n");
-  EXPECT_TRUE(std::filesystem::exists(board_kit::Named() / "root/screen_zero.txt"));
 }
 
 }  // namespace

@@ -133,14 +133,6 @@ TEST(Frame, SumCoversEachByteButTheTag) {
   }
 }
 
-TEST(Frame, BaseClassHasNoFormOfItsOwn) {
-  MCUCMsg message;
-  std::array<uint8_t, 32> buffer{};
-  int32_t size = buffer.size();
-  EXPECT_EQ(message.Encode(buffer.data(), buffer.size()), static_cast<int32_t>(0x80005001));
-  EXPECT_EQ(message.Decode(buffer.data(), size), static_cast<int32_t>(0x80005001));
-}
-
 // What the front end hands on for a frame, or nothing.
 std::optional<QMB_proto3rd> g_handed;
 

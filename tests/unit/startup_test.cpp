@@ -1,6 +1,8 @@
 // The start sequence on boards that lack something.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "driverutil.h"
 #include "process/tprocess_ctl.h"
 #include "proto/data_common.h"
@@ -71,16 +73,15 @@ TEST(Startup, FirstRestoreFillsTheImageAndLeavesTheFpgaAlone) {
   Tshl_ctl::getInstance()->initialize();
   EXPECT_TRUE(StubUtil::getInstance()->initialize());
   EXPECT_EQ(Data_Global::getInstance()->SendParameterReg[0x45], 0x77);
-  std::size_t lastRead = 0;
-  std::size_t version = 0;
   const auto lines = board_kit::TraceLines();
-  for (std::size_t i = 0; i < lines.size(); ++i) {
-    EXPECT_FALSE(lines[i].starts_with("fpga W")) << lines[i];
-    if (lines[i].starts_with("flash R")) lastRead = i;
-    if (lines[i] == "env set ver_quivord V1.0.B1") version = i;
-  }
-  EXPECT_LT(lastRead, version);
-  EXPECT_GT(version, 0U);
+  const auto version = std::find(lines.begin(), lines.end(), "env set ver_quivord V1.0.B1");
+  ASSERT_NE(version, lines.end());
+  const auto of = [](const char* kind) {
+    return [=](const std::string& line) { return line.starts_with(kind); };
+  };
+  EXPECT_TRUE(std::none_of(lines.begin(), version, of("fpga")));
+  EXPECT_TRUE(std::any_of(lines.begin(), version, of("flash R live 0x00a3b100 512 ok")));
+  EXPECT_TRUE(std::none_of(version, lines.end(), of("flash R")));
 }
 
 }  // namespace

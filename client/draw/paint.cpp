@@ -1,4 +1,4 @@
-#include "wall/paint.h"
+#include "draw/paint.h"
 
 #include <cairo-svg.h>
 
@@ -10,7 +10,7 @@
 extern "C" const char* __lsan_default_suppressions();
 extern "C" const char* __lsan_default_suppressions() { return "leak:libfontconfig\n"; }
 
-namespace quivord::wall {
+namespace quivord::draw {
 namespace {
 
 constexpr char kTypeface[] = "Inter";  // the system's own sans serif where it isn't installed
@@ -24,6 +24,12 @@ cairo_surface_t* MakeSurface(const std::filesystem::path& file, Format format, d
 }
 
 }  // namespace
+
+std::optional<Format> FormatOf(const std::filesystem::path& file) {
+  if (file.extension() == ".png") return Format::kPng;
+  if (file.extension() == ".svg") return Format::kSvg;
+  return std::nullopt;
+}
 
 Painter::Painter(const std::filesystem::path& file, Format format, double width, double height,
                  int scale)
@@ -88,6 +94,32 @@ void Painter::Line(Point from, Point to, const Colour& colour, double width) {
   cairo_stroke(context_.get());
 }
 
+void Painter::Path(std::span<const Point> points) {
+  cairo_new_path(context_.get());
+  for (const Point& point : points) cairo_line_to(context_.get(), point.x, point.y);
+}
+
+void Painter::Polyline(std::span<const Point> points, const Colour& colour, double width,
+                       Dash dash) {
+  constexpr double kDots[] = {0.1, 4};
+  constexpr double kDashes[] = {5, 4};
+  Use(colour);
+  cairo_set_line_width(context_.get(), width);
+  if (dash != Dash::kNone) {
+    cairo_set_dash(context_.get(), dash == Dash::kDots ? kDots : kDashes, 2, 0);
+  }
+  Path(points);
+  cairo_stroke(context_.get());
+  cairo_set_dash(context_.get(), nullptr, 0, 0);
+}
+
+void Painter::Polygon(std::span<const Point> points, const Colour& colour) {
+  Use(colour);
+  Path(points);
+  cairo_close_path(context_.get());
+  cairo_fill(context_.get());
+}
+
 void Painter::Chevron(Point tip, double dx, double dy, double size, const Colour& colour,
                       double width) {
   const double length = std::hypot(dx, dy);
@@ -140,4 +172,4 @@ std::string Painter::Finish() {
   return status == CAIRO_STATUS_SUCCESS ? "" : cairo_status_to_string(status);
 }
 
-}  // namespace quivord::wall
+}  // namespace quivord::draw

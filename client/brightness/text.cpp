@@ -1,0 +1,222 @@
+#include "brightness/text.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "brightness/check.h"
+#include "brightness/words.h"
+#include "process/calc_time.h"
+
+namespace quivord::brightness {
+namespace {
+
+constexpr int kWeekMinutes = 7 * 24 * 60;
+
+std::string Number(std::size_t number) { return std::to_string(number); }
+
+std::string Counted(std::size_t count, const char* noun) {
+  return Number(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
+std::string PortsText(std::uint8_t mask) {
+  std::string ports;
+  std::size_t count = 0;
+  for (std::size_t port = 0; port < table::list::kPortsDriven; ++port) {
+    if ((mask >> port & 1) == 0) continue;
+    ports += (ports.empty() ? "" : ", ") + Number(port);
+    ++count;
+  }
+  if (count == 0) return "on no port";
+  return (count == 1 ? "on port " : "on ports ") + ports;
+}
+
+std::string SwitchesText(const Plan& plan) {
+  if (!plan.header.runs) return ", set not to run";
+  std::string text = plan.header.gradual ? ", changes gradually" : ", changes at once";
+  if (!plan.header.on) text += ", switched off";
+  return text;
+}
+
+std::string MomentText(const table::Moment& now) {
+  char text[64];
+  std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d (%s)", 2000 + now.year, now.month,
+                now.day, now.hour, now.minute, now.second,
+                kDays[ZEPH_MCUC::WeekdayOf(now.year, now.month, now.day) - 1U]);
+  return text;
+}
+
+std::string InText(int minutes) {
+  const int days = minutes / (24 * 60);
+  const int hours = minutes / 60 % 24;
+  std::string text = days > 0 ? Counted(static_cast<std::size_t>(days), "day") + " " : "";
+  if (hours > 0) text += Number(static_cast<std::size_t>(hours)) + " h ";
+  return text + Number(static_cast<std::size_t>(minutes % 60)) + " min";
+}
+
+std::string StandingText(const Plan& plan, const table::Moment& now) {
+  const auto standing = StandingAt(plan, now);
+  if (!standing.has_value()) return "in force: no node";
+  const auto lines = NodeLines(plan);
+  const NodeLine& node = lines[standing->node];
+  std::string text = "in force: node " + Number(standing->node) + ", since " + node.time + ": " +
+                     node.what +
+                     (standing->today ? "" : " (not today: the screen stays as it was)");
+  if (standing->next.has_value()) {
+    const NodeLine& next = lines[*standing->next];
+    text += "\nnext: node " + Number(*standing->next) + " at " + next.time + ", in " +
+            InText(standing->next_in_min) + ": " + next.what;
+  }
+  return text;
+}
+
+std::string NodesText(const Plan& plan) {
+  std::string text = "\n\nnode  time   days         brightness";
+  const auto lines = NodeLines(plan);
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    char line[160];
+    std::snprintf(line, sizeof line, "\n%4zu  %-5s  %-11s  %s%s", i, lines[i].time.c_str(),
+                  lines[i].days.c_str(), lines[i].what.c_str(),
+                  lines[i].inUse ? "" : " (not in use)");
+    text += line;
+  }
+  return text;
+}
+
+std::string SensorsText(const Plan& plan) {
+  std::string text = "\n\nsensors";
+  for (const table::Sensor& sensor : plan.sensors) {
+    text += "\n  port " + Number(sensor.port) + ", card " + Number(sensor.board) + ", address " +
+            Number(sensor.address);
+    if (sensor.position != 0) text += ", position " + Number(sensor.position) + " (not read)";
+  }
+  return text;
+}
+
+std::string LightText(const Plan& plan) {
+  std::string text = "\n\n   lux  brightness";
+  const auto row = [&text](std::uint16_t lux, const std::string& value) {
+    char line[64];
+    std::snprintf(line, sizeof line, "\n%6u  %s", lux, value.c_str());
+    text += line;
+  };
+  if (plan.kind == Kind::kSensor) {
+    row(plan.range.leastLux, BrightnessText(plan.range.atLeast));
+    row(plan.range.mostLux,
+        BrightnessText(plan.range.atMost) + ", in " + Counted(plan.range.steps, "step"));
+  }
+  for (const table::LuxItem& item : plan.map) row(item.lux, Number(item.percent) + "%");
+  return text;
+}
+
+// Weekdays of a moment so many minutes behind `now`, as an arrival counts them.
+table::Moment Later(const table::Moment& now, int days) {
+  table::Moment later = now;
+  for (; days > 0; --days) {
+    if (later.day < ZEPH_MCUC::DaysOfMonth(later.year, later.month)) {
+      ++later.day;
+    } else if (later.month < 12) {
+      later.day = 1;
+      ++later.month;
+    } else {
+      later.day = later.month = 1;
+      ++later.year;
+    }
+  }
+  return later;
+}
+
+bool Applies(const Plan& plan, std::size_t node, const table::Moment& now) {
+  return plan.kind == Kind::kList || table::AppliesAtArrival(plan.nodes[node], now);
+}
+
+std::optional<int> MinuteOfNode(const Plan& plan, std::size_t i) {
+  if (plan.kind == Kind::kList) return MinuteOf(plan.list[i].hour, plan.list[i].minute);
+  return MinuteOf(plan.nodes[i].hour, plan.nodes[i].minute);
+}
+
+}  // namespace
+
+std::string NodeText(const table::MixNode& node) {
+  return node.sensor ? "light sensor" : Number(node.percent) + "%";
+}
+
+std::string NodeText(const table::ListNode& node) {
+  return BrightnessText(node.brightness) + " " + PortsText(node.ports);
+}
+
+std::vector<NodeLine> NodeLines(const Plan& plan) {
+  std::vector<NodeLine> lines;
+  for (const table::ListNode& node : plan.list) {
+    std::string what = NodeText(node);
+    if (plan.colours) {
+      what += ", red " + Number(node.red) + " green " + Number(node.green) + " blue " +
+              Number(node.blue) + " virtual red " + Number(node.virtualRed);
+    }
+    lines.push_back({TimeText(node.hour, node.minute), "every day", what});
+  }
+  for (const table::MixNode& node : plan.nodes) {
+    lines.push_back({TimeText(node.hour, node.minute), DaysText(node.weekdays), NodeText(node),
+                     node.valid == 1});
+  }
+  return lines;
+}
+
+std::string SensingText(const Plan& plan) {
+  if (plan.sensors.empty()) return {};
+  const std::string sensors = Counted(plan.sensors.size(), "light sensor");
+  if (plan.kind == Kind::kSensor) {
+    return sensors + ", read every 20 seconds; six readings an average";
+  }
+  const auto interval = std::max<std::size_t>(plan.header.interval_s, 1);
+  const auto readings = std::max<std::size_t>(plan.header.readings, 1);
+  return sensors + ", read every " + (interval == 1 ? "second" : Counted(interval, "second")) +
+         "; " + Counted(readings, "reading") + " an average" +
+         (plan.fallback.enabled ? "; " + Number(plan.fallback.percent) + "% where they fail" : "");
+}
+
+std::optional<Standing> StandingAt(const Plan& plan, const table::Moment& now) {
+  std::vector<std::uint16_t> keys;
+  for (const auto& node : plan.list) keys.push_back(table::TimeKey(node.hour, node.minute));
+  Standing standing;
+  if (plan.kind == Kind::kList && !keys.empty()) {
+    standing.node = table::ListNodeInForce(keys, table::TimeKey(now));
+  } else {
+    const std::uint16_t node = table::MixNodeInForce(plan.nodes, table::TimeKey(now));
+    if (node == table::kNoNode) return std::nullopt;
+    standing.node = node;
+  }
+  standing.today = Applies(plan, standing.node, now);
+  const int minute = now.hour * 60 + now.minute;
+  int best = kWeekMinutes + 1;
+  for (std::size_t i = 0; i < std::max(plan.list.size(), plan.nodes.size()); ++i) {
+    const auto at = MinuteOfNode(plan, i);
+    for (int day = 0; day <= 7 && at.has_value(); ++day) {
+      const int in = day * 24 * 60 + *at - minute;
+      if (in <= 0 || in >= best || !Applies(plan, i, Later(now, day))) continue;
+      best = in;
+      standing.next = i;
+    }
+  }
+  standing.next_in_min = best;
+  return standing;
+}
+
+std::string ShowText(const Plan& plan, const std::optional<table::Moment>& now) {
+  std::string text = "plan: " + std::string(RowOf(plan.kind).text);
+  if (IsMixFamily(plan.kind)) text += SwitchesText(plan);
+  if (now.has_value()) text += "\nclock: " + MomentText(*now);
+  const bool nodes = !plan.list.empty() || !plan.nodes.empty();
+  if (nodes && now.has_value()) text += "\n" + StandingText(plan, *now);
+  if (const std::string sensing = SensingText(plan); !sensing.empty()) {
+    text += "\nlight: " + sensing;
+  }
+  if (nodes) text += NodesText(plan);
+  if (!plan.sensors.empty()) text += SensorsText(plan);
+  if (plan.kind == Kind::kSensor || !plan.map.empty()) text += LightText(plan);
+  if (const std::string warning = WeekdayWarning(plan); !warning.empty()) {
+    text += "\n\nnote: " + warning;
+  }
+  return text;
+}
+
+}  // namespace quivord::brightness

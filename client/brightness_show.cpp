@@ -1,0 +1,170 @@
+// `brightness show`, `export` and `preview`: what a plan is.
+#include <ctime>
+#include <fstream>
+
+#include "brightness/draw.h"
+#include "brightness/file.h"
+#include "brightness/text.h"
+#include "brightness/words.h"
+#include "brightness_commands.h"
+#include "commands.h"
+
+namespace ctl {
+namespace {
+
+namespace brightness = quivord::brightness;
+namespace draw = quivord::draw;
+
+nlohmann::ordered_json ShowJson(const PlanRead& read) {
+  nlohmann::ordered_json object = brightness::PlanJson(read.plan);
+  object["in_force"] = nullptr;
+  object["next"] = nullptr;
+  if (!read.now.has_value()) return object;
+  const auto standing = brightness::StandingAt(read.plan, *read.now);
+  if (!standing.has_value()) return object;
+  object["in_force"] = {{"node", standing->node}, {"today", standing->today}};
+  if (standing->next.has_value()) {
+    object["next"] = {{"node", *standing->next}, {"in_min", standing->next_in_min}};
+  }
+  return object;
+}
+
+Exit Show(Context& context) {
+  const PlanRead read = ReadPlan(context);
+  if (read.answer.exit != Exit::kDone) return context.Fail(read.answer.exit, read.answer.text);
+  context.out.Show(brightness::ShowText(read.plan, read.now), ShowJson(read));
+  return Exit::kDone;
+}
+
+Run DeclareShow(CLI::App& /*app*/) { return Show; }
+
+struct ExportWords {
+  std::string file;
+};
+
+Exit Export(Context& context, const ExportWords& words) {
+  const PlanRead read = ReadPlan(context);
+  if (read.answer.exit != Exit::kDone) return context.Fail(read.answer.exit, read.answer.text);
+  if (read.plan.kind == brightness::Kind::kNone) {
+    return context.Fail(Exit::kRefused, "there is no plan; quivordctl brightness plan sends one");
+  }
+  const std::string text = brightness::FileText(read.plan);
+  if (words.file.empty()) {
+    context.out.Show(text, brightness::PlanJson(read.plan));
+    return Exit::kDone;
+  }
+  std::ofstream file(words.file);
+  file << text << '\n';
+  if (!file.flush()) return context.Fail(Exit::kWrongUse, words.file + " can't be written");
+  context.out.Show("wrote " + words.file, {{"file", words.file}});
+  return Exit::kDone;
+}
+
+Run DeclareExport(CLI::App& app) {
+  const auto words = std::make_shared<ExportWords>();
+  app.add_option("FILE", words->file, "Where it goes (default: standard output)");
+  return [words](Context& context) { return Export(context, *words); };
+}
+
+struct PreviewWords {
+  std::string file;
+  std::string plan;
+  std::string day;
+  bool week = false;
+  std::uint16_t noon = 0;
+  int scale = draw::kScale;
+};
+
+// Today as this computer counts it, 0 for Monday.
+int Today() {
+  const std::time_t now = std::time(nullptr);
+  std::tm parts{};
+  localtime_r(&now, &parts);
+  return (parts.tm_wday + 6) % 7;
+}
+
+// The plan that is to be drawn: a file's, or the device's.
+quivord::Result<brightness::Plan> WantedPlan(Context& context, const PreviewWords& words) {
+  if (!words.plan.empty()) return LoadPlan(words.plan);
+  const PlanRead read = ReadPlan(context);
+  if (read.answer.exit == Exit::kDone) return read.plan;
+  return quivord::Error{read.answer.exit == Exit::kWrongUse ? quivord::Trouble::kWrongUse
+                                                            : quivord::Trouble::kNoDaemon,
+                        read.answer.text};
+}
+
+Exit Preview(Context& context, const PreviewWords& words) {
+  const auto format = draw::FormatOf(words.file);
+  if (!format.has_value()) return context.Fail(Exit::kWrongUse, "FILE ends in .png or .svg");
+  const auto day = words.day.empty() ? std::optional<std::uint8_t>(words.week ? 0 : Today())
+                                     : brightness::ParseDay(words.day);
+  if (!day.has_value()) {
+    return context.Fail(Exit::kWrongUse, "--day is mon, tue, wed, thu, fri, sat or sun");
+  }
+  const auto plan = WantedPlan(context, words);
+  if (!plan) return context.Fail(plan.error());
+  if (const auto obstacle = brightness::CourseObstacle(plan.value()); !obstacle.empty()) {
+    return context.Fail(Exit::kRefused, "nothing to draw: " + obstacle);
+  }
+  const std::uint16_t noon = words.noon != 0 ? words.noon : brightness::NoonOf(plan.value());
+  const auto course =
+      brightness::CourseOf(plan.value(), *day, words.week ? brightness::kWeekDays : 1, noon);
+  const std::string fault =
+      brightness::Draw(plan.value(), course, {words.file, *format, words.scale});
+  if (!fault.empty()) return context.Fail(Exit::kWrongUse, words.file + ": " + fault);
+  context.out.Show("drew " + words.file, {{"file", words.file}});
+  return Exit::kDone;
+}
+
+Run DeclarePreview(CLI::App& app) {
+  const auto words = std::make_shared<PreviewWords>();
+  app.add_option("FILE", words->file, "Where the picture goes; .png or .svg says which")
+      ->required();
+  app.add_option("--plan", words->plan, "A plan's file (default: what the device holds)")
+      ->type_name("FILE");
+  app.add_flag("--week", words->week, "A week, a row a day");
+  app.add_option("--day", words->day, "The day, or the week's first: mon to sun (default: today)")
+      ->type_name("DAY");
+  app.add_option("--noon", words->noon,
+                 "Light at noon that the sensor is taken to see (default: where its map ends)")
+      ->type_name("LUX")
+      ->check(CLI::Range(1, 65534));
+  app.add_option("--scale", words->scale, "How fine a PNG is")
+      ->type_name("N")
+      ->check(CLI::Range(1, draw::kMostScale))
+      ->capture_default_str();
+  return [words](Context& context) { return Preview(context, *words); };
+}
+
+}  // namespace
+
+const Command kBrightnessShow{
+    "show",
+    "Show the plan that the device holds, and what is in force",
+    "  quivordctl brightness show\n"
+    "  quivordctl --json brightness show\n"
+    "With --json: the plan as brightness export writes it, and in_force: {node, today} and next:\n"
+    "  {node, in_min}, or null.",
+    DeclareShow,
+};
+
+const Command kBrightnessExport{
+    "export",
+    "Write the plan that the device holds as a file",
+    "  quivordctl brightness export plan.json\n"
+    "  quivordctl brightness export && quivordctl --board /tmp/other brightness plan plan.json\n"
+    "Sent to a device, the file gives the same table, byte for byte.",
+    DeclareExport,
+};
+
+const Command kBrightnessPreview{
+    "preview",
+    "Draw the course of a day or a week, of a file or of what the device holds",
+    "  quivordctl brightness preview day.png --plan examples/brightness-mix.json\n"
+    "  quivordctl brightness preview --week week.svg\n"
+    "Computed by the daemon's own calculations, as after a week under the plan, in the light of a\n"
+    "  clear day. With --json: {file}.",
+    DeclarePreview,
+};
+
+}  // namespace ctl

@@ -1,0 +1,205 @@
+// The screen pattern generator: phases, what is sent in which order, and what is refused.
+#include <gtest/gtest.h>
+
+#include "board/faults.h"
+#include "proto/calc_pattern.h"
+#include "support/device.h"
+#include "support/inprocess.h"
+#include "support/rounds.h"
+#include "support/trace.h"
+
+namespace ZEPH_MCUC {
+namespace {
+
+using pattern::Place;
+
+constexpr std::uint32_t kBase = 0x12010000;
+
+int Write(std::uint32_t offset, const char* hex) {
+  const auto reply = inprocess::Write(kBase + offset, inprocess::Bytes(hex));
+  inprocess::DrainQueue();
+  return reply.m_ucAck;
+}
+
+std::string Image(std::uint32_t offset, std::size_t length) {
+  std::vector<std::uint8_t> bytes(length);
+  device::Global().HardwareScreenGenReg.read(offset, bytes);
+  return device::Hex(bytes);
+}
+
+constexpr char kSent[] =
+    "fpga R 0x2c x2\nfpga R 0x26 x2\nfpga W 0xa00000 x27\nfpga W 0xa0001c x29\n"
+    "fpga W 0xa0001b a8\nfpga W 0xa0001b 00\n";
+
+TEST(PatternPhases, AreAsGiven) {
+  const struct {
+    int first, interval, phase;
+    bool valid;
+  } kPixels[] = {
+      {3, 8, 5, true},  {0, 8, 0, true},   {7, 8, 1, true},  {0, 1, 0, true},
+      {8, 8, 0, false}, {-1, 8, 0, false}, {0, 0, 0, false}, {32767, 65535, 32768, true}};
+  for (const auto& c : kPixels) {
+    const Place place = pattern::PlacePixels(static_cast<std::int16_t>(c.first),
+                                             static_cast<std::uint16_t>(c.interval));
+    EXPECT_EQ(place.phase, c.phase) << c.first;
+    EXPECT_EQ(place.valid, c.valid) << c.first;
+  }
+  const struct {
+    int first, size, offset, phase;
+    bool valid;
+  } kBlocks[] = {
+      {5, 16, 1, 11, true},      {16, 16, 1, 0, true},      {17, 16, 2, 15, true},
+      {0, 16, 0, 0, true},       {-5, 16, 0, 5, true},      {-15, 16, 0, 15, true},
+      {-16, 16, 0, 0, false},    {-32768, 16, 0, 0, false}, {-32768, 65535, 0, 32768, true},
+      {32767, 1, 32767, 0, true}};
+  for (const auto& c : kBlocks) {
+    const Place place = pattern::PlaceBlocks(static_cast<std::int16_t>(c.first),
+                                             static_cast<std::uint16_t>(c.size));
+    EXPECT_EQ(place.offset, c.offset) << c.first;
+    EXPECT_EQ(place.phase, c.phase) << c.first;
+    EXPECT_EQ(place.valid, c.valid) << c.first;
+  }
+}
+
+// Counts pixel by pixel, as the FPGA does: from `phase` at the corner, a block begins where the
+// count comes to a multiple of `size`.
+TEST(PatternPhases, PutAPatternWhereCountingPutsIt) {
+  support::Random random(12);
+  for (int round = 0; round < support::Rounds(3000); ++round) {
+    const int size = random(1, 300);
+    const int first = random(1 - size, 900);
+    int begun = 0;
+    int place = 0;
+    for (place = 0; (place - first) % size != 0; ++place) {
+    }  // the first beginning on the screen
+    for (int begins = first; begins > 0; begins -= size) ++begun;
+    const Place blocks =
+        pattern::PlaceBlocks(static_cast<std::int16_t>(first), static_cast<std::uint16_t>(size));
+    ASSERT_TRUE(blocks.valid);
+    ASSERT_EQ((place + blocks.phase) % size, 0) << first << ' ' << size;
+    ASSERT_EQ(blocks.offset, begun) << first << ' ' << size;
+    if (first < 0 || first >= size) continue;
+    const Place pixels =
+        pattern::PlacePixels(static_cast<std::int16_t>(first), static_cast<std::uint16_t>(size));
+    ASSERT_TRUE(pixels.valid);
+    ASSERT_EQ((first + pixels.phase) % size, 0) << first << ' ' << size;
+    ASSERT_LT(pixels.phase, size);
+  }
+}
+
+TEST(Pattern, WriteSendsTheWholeBlockThenStrobes) {
+  device::Begin("fpga");
+  device::PutFpga(0x2C, "8007");
+  device::PutFpga(0x26, "3804");
+  support::Trace trace;
+  // Pixels every 8 by 10, the first at 3, 4.
+  EXPECT_EQ(Write(0, "0102eeeeeeee060708090a0b0c0d03000400"), 0);
+  EXPECT_EQ(trace.Take(), kSent);
+  EXPECT_EQ(Write(0x20, "0108000a00"), 0);
+  EXPECT_EQ(trace.Take(), kSent);
+  EXPECT_EQ(device::Fpga(0xA00000, 18),
+            "0102800738040607"
+            "08090a0b0c0d03000400");
+  EXPECT_EQ(device::Fpga(0xA00020, 9), "0108000a0005000600");
+  EXPECT_EQ(device::Fpga(0xA0001B, 1), "00");
+  EXPECT_EQ(Image(0x20, 9), "0108000a0005000600");
+  EXPECT_EQ(Write(0x21, "07"), 0);  // one field alone
+  EXPECT_EQ(device::Fpga(0xA00020, 9), "0107000a0004000600");
+  EXPECT_EQ(Write(0x1B, "ff"), 0);  // the strobe isn't a client's
+  EXPECT_EQ(device::Fpga(0xA0001B, 1), "00");
+}
+
+TEST(Pattern, TypesSetTheirOwnPhasesAndNoOthers) {
+  struct Case {
+    const char* first;  // at 0x0E
+    const char* type;   // at 0x20, with both intervals
+    const char* block;  // at 0x31, width and height
+    const char* pixel_phases;
+    const char* block_places;  // offsets and phases
+    bool logged;
+  };
+  static constexpr char kOldPixel[] = "e1e2e3e4";
+  constexpr Case kCases[] = {
+      {"03000400", "0108000a00", "10002000", "05000600", "d1d2d3d4d5d6d7d8", false},
+      {"08000400", "0108000a00", "10002000", "00000000", "d1d2d3d4d5d6d7d8", true},
+      {"0300ffff", "0108000a00", "10002000", "00000000", "d1d2d3d4d5d6d7d8", true},
+      {"05001100", "0208000a00", "10001000", kOldPixel, "010002000b000f00", false},
+      {"fbff0000", "0208000a00", "10001000", kOldPixel, "0000000005000000", false},
+      {"f0ff0500", "0208000a00", "10001000", kOldPixel, "0000010000000b00", true},
+      {"03000400", "0008000a00", "00000000", kOldPixel, "d1d2d3d4d5d6d7d8", false},
+      {"03000400", "0308000a00", "00000000", kOldPixel, "d1d2d3d4d5d6d7d8", false},
+  };
+  device::Begin("fpga");
+  device::Log log(0);
+  auto& image = device::Global().HardwareScreenGenReg;
+  for (const Case& c : kCases) {
+    SCOPED_TRACE(testing::Message() << c.first << ' ' << c.type);
+    image.write(0x0E, inprocess::Bytes(c.first));
+    image.write(0x25, inprocess::Bytes(kOldPixel));
+    image.write(0x2D, inprocess::Bytes("d1d2d3d4"));
+    image.write(0x31, inprocess::Bytes(c.block));
+    image.write(0x35, inprocess::Bytes("d5d6d7d8"));
+    support::Trace trace;
+    Write(0x20, c.type);
+    EXPECT_EQ(trace.Take(), kSent);
+    EXPECT_EQ(device::Fpga(0xA00025, 4), c.pixel_phases);
+    EXPECT_EQ(device::Fpga(0xA0002D, 4) + device::Fpga(0xA00035, 4), c.block_places);
+    EXPECT_EQ(log.Take(),
+              c.logged ? "Error negative offset or out of range, invalid parameter\n" : "");
+  }
+}
+
+TEST(Pattern, BlockOfNoSizeIsNotSentUntilItHasOne) {
+  device::Begin("fpga");
+  device::Log log(0);
+  support::Trace trace;
+  Write(0x20, "02");
+  Write(0x31, "1000");
+  EXPECT_EQ(support::Count(trace.Take(), "fpga W"), 0);
+  EXPECT_EQ(log.Take(),
+            "Error === ScreenPatternGenProcess ===block of no width or height, not sent\n"
+            "Error === ScreenPatternGenProcess ===block of no width or height, not sent\n");
+  Write(0x33, "1000");
+  EXPECT_EQ(trace.Take(), kSent);
+  EXPECT_EQ(device::Fpga(0xA00020, 1), "02");
+}
+
+TEST(Pattern, AccessThatReachesTheEndIsRefused) {
+  device::Begin("fpga");
+  device::Log log(0);
+  support::Trace trace;
+  for (const std::uint32_t offset : {0x3C, 0x3F, 0xFFFC}) {
+    EXPECT_TRUE(inprocess::Read(kBase + offset, 4).m_data.empty());
+    EXPECT_NE(log.Take().find("=== ReadScreenPatternGenInfo ===Invalid addr+len, return! address"),
+              std::string::npos);
+    inprocess::Write(kBase + offset, inprocess::Bytes("01020304"));
+    EXPECT_EQ(inprocess::DrainQueue(), 0);
+  }
+  EXPECT_EQ(trace.Take(), "");
+  EXPECT_EQ(inprocess::Read(kBase + 0x3B, 4).m_data.size(), 4U);
+}
+
+TEST(Pattern, ReadTakesTheFpgaOverIntoTheImage) {
+  device::Begin("none");
+  Write(0x06, "666768");
+  device::PutFpga(0xA00006, "a6a7a8");
+  EXPECT_EQ(device::Hex(inprocess::Read(kBase + 0x06, 2).m_data), "a6a7");
+  EXPECT_EQ(Image(0x06, 3), "a6a768");
+  board::SetFaultCount(board::Fault::kFpgaRead, 3);
+  EXPECT_TRUE(inprocess::Read(kBase + 0x06, 3).m_data.empty());
+  EXPECT_EQ(Image(0x06, 3), "a6a768");
+}
+
+TEST(Pattern, FailedAccessIsLostAndTheRestGoesOn) {
+  device::Begin("fpga");
+  for (int failing = 0; failing < 4; ++failing) {
+    support::Trace trace;
+    board::SetFaultCount(board::Fault::kSkip, failing);
+    board::SetFaultCount(board::Fault::kFpgaWrite, 3);
+    Write(0x06, "01");
+    EXPECT_EQ(support::Count(trace.Take(), "fpga W"), 4 + 2) << failing;  // the lost one thrice
+  }
+}
+
+}  // namespace
+}  // namespace ZEPH_MCUC
