@@ -17,10 +17,17 @@ std::span<const Command* const> Commands() {
       &kScaleCommand,
       &kFeatureCommand,
       &kTimeCommand,
+      &kMappingCommand,
+      &kFilesCommand,
+      &kIdentityCommand,
+      &kSaveCommand,
+      &kReloadCommand,
+      &kResetCommand,
       &kMonitorCommand,
       &kStoreCommand,
       &kReadCommand,
       &kWriteCommand,
+      &kTestPointCommand,
       &kPingCommand,
   };
   // clang-format on

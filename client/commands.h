@@ -23,6 +23,13 @@ extern const Command kEdidCommand;
 extern const Command kInputsCommand;
 extern const Command kTimingCommand;
 extern const Command kScaleCommand;
+extern const Command kSaveCommand;
+extern const Command kReloadCommand;
+extern const Command kMappingCommand;
+extern const Command kTestPointCommand;
+extern const Command kIdentityCommand;
+extern const Command kFilesCommand;
+extern const Command kResetCommand;
 extern const Command kCardCommand;
 
 // In the order in which help lists them.
