@@ -150,7 +150,7 @@ TEST(VideoWords, PicturesOfScalings) {
     Calculate(plan);
     EXPECT_EQ(Obstacle(plan), c.said);
     for (const auto& [name, format] :
-         {std::pair{"p.png", wall::Format::kPng}, {"p.svg", wall::Format::kSvg}}) {
+         {std::pair{"p.png", draw::Format::kPng}, {"p.svg", draw::Format::kSvg}}) {
       const auto file = board_kit::Named() / name;
       EXPECT_EQ(DrawScaling(plan, file, format), "");
       EXPECT_GT(std::filesystem::file_size(file), 1000U);
@@ -159,7 +159,7 @@ TEST(VideoWords, PicturesOfScalings) {
   ScalePlan plan{
       .scaler = 3, .source = {0, 0, 2, 2}, .layer = {0, 0, 4, 4}, .output = {0, 0, 4, 4}};
   Calculate(plan);
-  EXPECT_NE(DrawScaling(plan, "/nowhere/p.png", wall::Format::kPng), "");
+  EXPECT_NE(DrawScaling(plan, "/nowhere/p.png", draw::Format::kPng), "");
   EXPECT_EQ(PlanJson(plan)["back"]["image"].get<std::string>().size(), 84U);
 }
 
