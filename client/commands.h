@@ -31,6 +31,11 @@ extern const Command kIdentityCommand;
 extern const Command kFilesCommand;
 extern const Command kResetCommand;
 extern const Command kCardCommand;
+extern const Command kHdrCommand;
+extern const Command kPictureCommand;
+extern const Command kGammaCommand;
+extern const Command kPatternCommand;
+extern const Command kWarmupCommand;
 
 // In the order in which help lists them.
 std::span<const Command* const> Commands();
