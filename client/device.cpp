@@ -73,10 +73,12 @@ Answer Device::Read(std::uint32_t address, std::uint16_t length) {
 
 Answer Device::Await(std::uint32_t address, std::uint16_t length, const Shows& shows) {
   const auto deadline = steady_clock::now() + kSettleTime;
-  while (true) {
+  // Twice in a row: a value that the device takes back shows for a moment.
+  for (int shown = 0;;) {
     Answer answer = ReadRegister(options_, *client_, address, length);
     if (answer.exit != Exit::kDone) return answer;
-    if (answer.data.size() == length && shows(answer.data)) return answer;
+    shown = answer.data.size() == length && shows(answer.data) ? shown + 1 : 0;
+    if (shown == 2) return answer;
     if (steady_clock::now() >= deadline) return {Exit::kRefused, "", std::move(answer.data)};
     std::this_thread::sleep_for(kLook);
   }
