@@ -38,7 +38,7 @@ constexpr Places kBlockPlaces{pattern::kBlocks,
                               {pattern::kFirstPixelY, pattern::kBlockHeight}};
 
 Answer ReadImage(Device& device, Image* image) {
-  const Answer answer = device.Read(pattern::kBase, image->size());
+  const Answer answer = device.ReadBytes(pattern::kBase, image->size());
   if (answer.exit == Exit::kDone) std::copy(answer.data.begin(), answer.data.end(), image->begin());
   return answer;
 }

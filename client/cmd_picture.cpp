@@ -68,7 +68,7 @@ Exit Do(const Context& context, const Words& words) {
   Exit exit = Exit::kDone;
   const auto device = Device::Open(context, exit);
   if (device == nullptr) return exit;
-  const Answer answer = device->Read(hc::kBase + hc::kColour, hc::kColourRead);
+  const Answer answer = device->ReadBytes(hc::kBase + hc::kColour, hc::kColourRead);
   if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
   const Colour now = ColourOf(answer.data);
   if (words.any()) return Set(context, *device, With(now, words));

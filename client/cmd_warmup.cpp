@@ -44,7 +44,7 @@ Exit Do(const Context& context, const Words& words) {
   Exit exit = Exit::kDone;
   const auto device = Device::Open(context, exit);
   if (device == nullptr) return exit;
-  const Answer answer = device->Read(kRegister, hc::kWarmUpBytes);
+  const Answer answer = device->ReadBytes(kRegister, hc::kWarmUpBytes);
   if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
   std::vector<std::uint8_t> setting = answer.data;
   if (!words.mode && !words.time) {

@@ -26,7 +26,7 @@ std::vector<Declared> DeclareAll(CLI::App& app) {
     const std::string examples = std::string("Examples:\n") + command->examples;
     sub->footer(examples);
     for (CLI::App* part : sub->get_subcommands({})) {
-      if (part->get_footer().empty()) part->footer(examples);  // it has none of its own
+      if (part->get_footer().empty()) part->footer(examples);
     }
   }
   return all;

@@ -52,7 +52,7 @@ constexpr double kReferenceWidth = 17;
 constexpr double kDarkest = 1.0 / kFullLight;  // the smallest entry but 0
 constexpr int kDecadesShown = 5;
 
-enum class Axis { kPlain, kDecades };
+enum class Axis { kPlain, kLogarithmic };
 
 // A plot's field, and where a code and a light stand in it.
 struct Plot {
@@ -117,7 +117,7 @@ std::vector<Point> Points(const Plot& plot, Light light) {
   std::vector<Point> points;
   for (std::size_t code = 0; code < kGammaEntries; code += code == 0 ? 3 : 4) {
     const double at = light(code);
-    if (plot.axis == Axis::kDecades && at < kDarkest) continue;
+    if (plot.axis == Axis::kLogarithmic && at < kDarkest) continue;
     points.push_back({plot.X(static_cast<double>(code)), plot.Y(at)});
   }
   return points;
@@ -129,7 +129,7 @@ void DrawPlot(Painter& painter, const Scene& scene, const Box& stage, Axis axis)
   painter.Fill(stage, palette::kStage, 12);
   painter.Fill(plot.field, palette::kPaper);
   std::string heading = peak_nits > 0 ? "LIGHT OF THE SCREEN, cd/m²" : "LIGHT OF THE SCREEN, %";
-  if (axis == Axis::kDecades) heading += ", BY DECADES";
+  if (axis == Axis::kLogarithmic) heading += ", BY DECADES";
   painter.Text(heading, {stage.x + 24, stage.y + 27}, kHeadingFont, palette::kFaintInk);
   DrawLights(painter, plot, peak_nits);
   DrawCodes(painter, plot);
@@ -171,7 +171,7 @@ std::string Draw(const Scene& scene, const std::filesystem::path& file, draw::Fo
   painter.Text(SubtitleText(scene), {kMargin, kMargin + 54}, kLineFont, palette::kSoftInk,
                Align::kLeft, kWidth - 2 * kMargin);
   DrawPlot(painter, scene, kLeft, Axis::kPlain);
-  DrawPlot(painter, scene, kRight, Axis::kDecades);
+  DrawPlot(painter, scene, kRight, Axis::kLogarithmic);
   DrawLegend(painter, scene);
   return painter.Finish();
 }
