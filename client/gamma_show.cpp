@@ -40,7 +40,7 @@ nlohmann::json Entries(const ZEPH_MCUC::GammaTable& table) {
 // What clients have stored beside their sets, where they have.
 Answer ReadValues(Device& device, nlohmann::json* values) {
   for (const rgbgamma::Value& value : rgbgamma::kValues) {
-    const Answer answer = device.ReadBytes(value.reg, 1);
+    Answer answer = device.ReadBytes(value.reg, 1);
     if (answer.exit != Exit::kDone) return answer;
     const char* const name = value.set == rgbgamma::Set::k12Bit ? "12" : "10";
     if (answer.data[0] != 0xFF) (*values)[name] = answer.data[0] / 10.0;
@@ -108,7 +108,7 @@ Answer ReadGamma(Device& device, GammaSet* set) {
   for (const rgbgamma::Table& table : rgbgamma::TablesOf(rgbgamma::Set::k12Bit)) {
     auto& bytes = (*set)[static_cast<std::size_t>(table.colour)];
     for (std::uint32_t at = 0; at < bytes.size(); at += kGammaPiece) {
-      const Answer answer = device.ReadBytes(table.reg + at, kGammaPiece);
+      Answer answer = device.ReadBytes(table.reg + at, kGammaPiece);
       if (answer.exit != Exit::kDone) return answer;
       std::copy(answer.data.begin(), answer.data.end(), bytes.begin() + at);
     }

@@ -94,9 +94,10 @@ void DrawLights(Painter& painter, const Plot& plot, double peak_nits) {
   }
   // Whole powers of ten in the axis's unit.
   const double most = peak_nits > 0 ? peak_nits : 100;
-  for (double value = std::pow(10, std::floor(std::log10(most))); value / most >= 1e-5 * 0.999;
-       value /= 10) {
-    DrawTick(painter, plot, value / most, LightText(value / most, peak_nits));
+  const int highest = static_cast<int>(std::floor(std::log10(most)));
+  for (int power = highest; power > std::log10(most) - kDecadesShown - 0.001; --power) {
+    const double light = std::pow(10, power) / most;
+    DrawTick(painter, plot, light, LightText(light, peak_nits));
   }
 }
 

@@ -24,7 +24,7 @@ struct Ruler {
 
   template <class Mark>
   void Each(Mark mark) const {
-    for (double at = first; at < end; at += step) mark(at);
+    for (int i = 0; first + i * step < end; ++i) mark(first + i * step);
   }
 };
 

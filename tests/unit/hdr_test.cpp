@@ -183,7 +183,8 @@ TEST(ModeChange, SurvivesAFailureOfEachAccess) {
     EXPECT_EQ(device::Flash(0xC21000, 1), "58");
     std::string held = InFpga(rgbgamma::Colour::kRed) + InFpga(rgbgamma::Colour::kGreen) +
                        InFpga(rgbgamma::Colour::kBlue);
-    std::string expected = table + table + table;
+    std::string expected = table;
+    expected.append(table).append(table);
     if (failing < 24) {
       expected.replace(static_cast<std::size_t>(failing) * 2048, 2048, std::string(2048, '0'));
     }
