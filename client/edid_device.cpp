@@ -36,7 +36,7 @@ Answer EdidDevice::WriteSourceId(std::uint8_t source_id) {
 }
 
 Answer EdidDevice::Select(std::uint8_t group) {
-  const Answer now = device_->Read(SourceRow());
+  Answer now = device_->Read(SourceRow());
   if (!Done(now) || GroupOfSourceId(now.data[0]) == group) return now;
   if (!before_) before_ = now.data[0];
   Answer answer = WriteSourceId(SourceIdOfGroup(group));

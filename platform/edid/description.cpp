@@ -26,27 +26,27 @@ constexpr Range kAnything{1, 255, 1, 255, 2550};
 
 struct Template {
   EDIDTemplate_t which;
-  const char* name;
   Link link;
+  const char* name;
   std::span<const Timing> timings;
   std::span<const std::uint8_t> vics;
 };
 
 constexpr Template kTemplates[] = {
-    {HDMI_2K1K, "ZEPH HDMI", Link::kHdmi, k2K1K, kHighDefinition},
-    {HDMI_4K1K, "ZEPH HDMI1.4", Link::kHdmi, k4K1K, kWide},
-    {HDMI_4K2K, "ZEPH HDMI2.0", Link::kHdmi, k4K2K, kWide},
-    {DVI_2K1K, "ZEPH DVI", Link::kDvi, k2K1K, {}},
-    {DVI_4K1K, "ZEPH DUAL DVI", Link::kDvi, k4K1K, {}},
-    {DP_2K1K, "ZEPH DP1.1", Link::kDisplayPort, k2K1K, {}},
-    {DP_4K1K, "ZEPH DP1.1", Link::kDisplayPort, k4K1K, {}},
-    {DP_4K2K, "ZEPH DP1.2", Link::kDisplayPort, k4K2KFast, {}},
-    {VGA_2K1K, "ZEPH VGA", Link::kVga, k2K1K, {}},
-    {HDMI_4K2K_VIC, "ZEPH HDMI2.0", Link::kHdmi, k4K2KFast, kUltraHigh},
-    {HDMI_4K2K_WideRes, "ZEPH HDMI2.0", Link::kHdmi, k4K2KFast, kWide},
-    {DP_4K2K_VIC, "ZEPH DP1.2", Link::kDisplayPort, k4K2KFast, kUltraHigh},
-    {DP_4K2K_WideRes, "ZEPH DP1.2", Link::kDisplayPort, k4K2KFast, kWide},
-    {HDMI2DP_4K2K, "ZEPH HDMI2DP", Link::kHdmi, k4K2K, kWide},
+    {HDMI_2K1K, Link::kHdmi, "ZEPH HDMI", k2K1K, kHighDefinition},
+    {HDMI_4K1K, Link::kHdmi, "ZEPH HDMI1.4", k4K1K, kWide},
+    {HDMI_4K2K, Link::kHdmi, "ZEPH HDMI2.0", k4K2K, kWide},
+    {DVI_2K1K, Link::kDvi, "ZEPH DVI", k2K1K, {}},
+    {DVI_4K1K, Link::kDvi, "ZEPH DUAL DVI", k4K1K, {}},
+    {DP_2K1K, Link::kDisplayPort, "ZEPH DP1.1", k2K1K, {}},
+    {DP_4K1K, Link::kDisplayPort, "ZEPH DP1.1", k4K1K, {}},
+    {DP_4K2K, Link::kDisplayPort, "ZEPH DP1.2", k4K2KFast, {}},
+    {VGA_2K1K, Link::kVga, "ZEPH VGA", k2K1K, {}},
+    {HDMI_4K2K_VIC, Link::kHdmi, "ZEPH HDMI2.0", k4K2KFast, kUltraHigh},
+    {HDMI_4K2K_WideRes, Link::kHdmi, "ZEPH HDMI2.0", k4K2KFast, kWide},
+    {DP_4K2K_VIC, Link::kDisplayPort, "ZEPH DP1.2", k4K2KFast, kUltraHigh},
+    {DP_4K2K_WideRes, Link::kDisplayPort, "ZEPH DP1.2", k4K2KFast, kWide},
+    {HDMI2DP_4K2K, Link::kHdmi, "ZEPH HDMI2DP", k4K2K, kWide},
 };
 
 InterfaceType_t InterfaceOf(Link link) {

@@ -16,15 +16,15 @@ constexpr std::size_t kTypes = EN_IF_T_VGA + 1;
 struct LabelRow {
   en_if_type type;
   uint8_t first_code;
-  const char* name;
   bool numbered;
+  const char* name;
 };
 constexpr LabelRow kLabels[] = {
-    {EN_IF_T_DVI, EN_SC_DVI_1, "DVI", false},
-    {EN_IF_T_DDVI, EN_SC_DL_DVI_1 + 1, "DUAL_DVI-", true},
-    {EN_IF_T_HDMI14, EN_SC_HDMI1_4_1 + 1, "HDMI1.4-", true},
-    {EN_IF_T_SDI3G, EN_SC_SDI_1, "SDI", false},
-    {EN_IF_T_VGA, EN_SC_VGA_1, "VGA", false},
+    {EN_IF_T_DVI, EN_SC_DVI_1, false, "DVI"},
+    {EN_IF_T_DDVI, EN_SC_DL_DVI_1 + 1, true, "DUAL_DVI-"},
+    {EN_IF_T_HDMI14, EN_SC_HDMI1_4_1 + 1, true, "HDMI1.4-"},
+    {EN_IF_T_SDI3G, EN_SC_SDI_1, false, "SDI"},
+    {EN_IF_T_VGA, EN_SC_VGA_1, false, "VGA"},
 };
 
 // Gives the `n`-th source of a type, 0 up, its code and name. Types that aren't listed leave both
