@@ -1,4 +1,5 @@
 // The wall's layout and its tables: the slow half of what clients write.
+#include <optional>
 #include <vector>
 
 #include "driverutil.h"
@@ -56,10 +57,15 @@ SmartConfig WallToLayOut() {
   return stored;
 }
 
-AdvancedPorts ReadAdvancedPorts() {
+// Nothing where they can't be read: a wall of empty records would take the real one's place.
+std::optional<AdvancedPorts> ReadAdvancedPorts() {
   std::vector<uint8_t> area(kAdvRecordArea);
-  // Records that can't be read are empty ones: one cabinet at the origin.
-  DriverUtil::getInstance()->ReadBytesFromFlash(flash::kShortcut, kAdvRecordArea, area.data());
+  const int32_t result =
+      DriverUtil::getInstance()->ReadBytesFromFlash(flash::kShortcut, kAdvRecordArea, area.data());
+  if (result != 0) {
+    MCUC_LOG(kLogError, "=== Sprocess_AdvCalcParaOfSender ===read flash failed! ret = " << result);
+    return std::nullopt;
+  }
   AdvancedPorts ports;
   for (std::size_t port = 0; port < ports.size(); ++port) {
     ports[port] = ReadAdvancedPort(
@@ -121,10 +127,11 @@ void Tprocess::CalculateParaOfSenderHandler() {
 int Tprocess::Sprocess_AdvCalcParaOfSender(int /*lenth*/, char* data) {
   return RunHandler("Sprocess_AdvCalcParaOfSender", data, [] {
     Data_Global* global = Data_Global::getInstance();
-    const AdvancedPorts ports = ReadAdvancedPorts();
-    global->AdvCalcParaGetSreenSize(ports);
+    const std::optional<AdvancedPorts> ports = ReadAdvancedPorts();
+    if (!ports.has_value()) return;
+    global->AdvCalcParaGetSreenSize(*ports);
     // A refusal is logged; the record stays for the client to correct.
-    static_cast<void>(global->AdvCalcParaOfSenderInMosaicMode(ports));
+    static_cast<void>(global->AdvCalcParaOfSenderInMosaicMode(*ports));
     SetConfigStatus(kConfiguredAdvanced);
   });
 }

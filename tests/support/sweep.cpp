@@ -39,8 +39,8 @@ std::string Outcome(const support::ChildResult& run) {
 }
 
 // What an operation leaves in the FPGA: the feature page, the number and the position tables.
-std::string FpgaContent() {
-  return device::Fpga(0x18, 0x1F0 - 0x18) + device::Fpga(0x500000, 0x200) +
+std::string FpgaContent(const Operation& operation) {
+  return device::Fpga(0x18, operation.pageEnd - 0x18) + device::Fpga(0x500000, 0x200) +
          device::Fpga(0x501000, 0x80) + device::Fpga(0x502000, 0x80) +
          device::Fpga(0x600000, 0xA000);
 }
@@ -114,7 +114,7 @@ class Sweep {
     operation_.act();
     const std::string wrong = Difference(Store(), after_, operation_.regions);
     if (!wrong.empty()) Complain("done once more: " + wrong + "; ");
-    if (FpgaContent() != fpga_) Complain("done once more: the FPGA differs; ");
+    if (FpgaContent(operation_) != fpga_) Complain("done once more: the FPGA differs; ");
   }
 
   bool TakeReference() {
@@ -126,7 +126,7 @@ class Sweep {
     });
     writes_ = TracedWrites(board_kit::TraceLines());
     after_.assign(Store().begin(), Store().end());
-    fpga_ = FpgaContent();
+    fpga_ = FpgaContent(operation_);
     Expect("undisturbed", Outcome(run));
     Expect("undisturbed", Recount(writes_, operation_.regions));
     Expect("undisturbed", Judge(after_, before_, writes_, operation_.regions, {}));

@@ -10,6 +10,7 @@
 //   loss:N:SEED       power is cut at the N-th write and takes unsynced writes along
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <ostream>
 #include <string>
@@ -30,6 +31,9 @@ struct Operation {
   std::vector<std::string> lasting = {};
   // Whether the daemon's start includes the restore into the FPGA, or is the operation itself that.
   bool online = true;
+  // Where the feature page of the FPGA ends as far as the operation fills it. What lies behind, up
+  // to 0x1F0, it leaves to the next restore.
+  std::uint32_t pageEnd = 0x1F0;
 };
 
 inline void PrintTo(const Operation& operation, std::ostream* stream) { *stream << operation.name; }
