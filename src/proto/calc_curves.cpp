@@ -79,9 +79,10 @@ const std::array<float, kGammaEntries>& _PQEOTable() {
 const std::array<uint16_t, 1024>& HLGTempTableMode(uint8_t mode) {
   static const auto tables = [] {
     std::array<std::array<uint16_t, 1024>, curves::kHlgPeaks_nits.size()> all;
-    for (uint8_t hlg_class = 0; hlg_class < all.size(); ++hlg_class) {
+    for (std::size_t hlg_class = 0; hlg_class < all.size(); ++hlg_class) {
       for (std::size_t i = 0; i < 1024; ++i) {
-        const double light = curves::HlgLight(static_cast<double>(i) / 1023, hlg_class);
+        const double light =
+            curves::HlgLight(static_cast<double>(i) / 1023, static_cast<uint8_t>(hlg_class));
         all[hlg_class][i] = static_cast<uint16_t>(kFullLight * light);
       }
     }
