@@ -87,8 +87,7 @@ State StateOf(const FeaturePage& page) {
           .fiber_to_net = Value(page, "fiber-to-net"),
           .width = FeatureNumber(page.Bytes(*FindFeature("screen-width"))),
           .height = FeatureNumber(page.Bytes(*FindFeature("screen-height"))),
-          // No restore leaves a 0 there.
-          .restored = page.cells[feature::kInputMode] != 0,
+          .restored = page.Restored(),
           .ports = PortsOf(page)};
 }
 

@@ -1,5 +1,7 @@
 #include "device.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <thread>
 
@@ -9,8 +11,12 @@ namespace {
 using namespace ZEPH_MCUC;
 using std::chrono::steady_clock;
 
-constexpr std::uint32_t kCells = 0xF0000000;  // the register of FPGA cell 0
+constexpr std::uint32_t kCells = CellRegister(0);
 constexpr auto kLook = std::chrono::milliseconds(20);
+
+// A byte of the screen parameters that nothing uses and nothing stores. A write to it goes through
+// the device's queue, so once it shows, all that was queued before is done.
+constexpr std::uint32_t kQueueMark = 0x0210001F;
 
 // A stretch of a page that one request reads. The image is read in two: one request over both would
 // make the daemon fetch the page from the FPGA, over values that only the daemon keeps.
@@ -49,9 +55,8 @@ std::unique_ptr<Device> Device::Open(const Context& context, Exit& exit) {
 Answer Device::ReadPage(FeaturePage& page) {
   for (const Stretch& stretch : kStretches) {
     const auto length = static_cast<std::uint16_t>(stretch.end - stretch.begin);
-    Answer answer = ReadRegister(options_, *client_, stretch.base + stretch.begin, length);
+    Answer answer = ReadBytes(stretch.base + stretch.begin, length);
     if (answer.exit != Exit::kDone) return answer;
-    if (answer.data.size() != length) return {Exit::kRefused, "refused: a short reply", {}};
     std::copy(answer.data.begin(), answer.data.end(),
               (page.*stretch.bytes).begin() + stretch.begin);
   }
@@ -59,27 +64,71 @@ Answer Device::ReadPage(FeaturePage& page) {
 }
 
 Answer Device::Read(const FeatureRegister& row) {
-  Answer answer =
-      ReadRegister(options_, *client_, FeatureAddress(row), static_cast<std::uint16_t>(row.width));
-  if (answer.exit == Exit::kDone && answer.data.size() != row.width) {
+  return ReadBytes(FeatureAddress(row), row.width);
+}
+
+Answer Device::Read(std::uint32_t address, std::uint16_t length) {
+  return ReadRegister(options_, *client_, address, length);
+}
+
+Answer Device::Await(std::uint32_t address, std::uint16_t length, const Shows& shows) {
+  const auto deadline = steady_clock::now() + kSettleTime;
+  // Twice in a row: a value that the device takes back shows for a moment.
+  for (int shown = 0;;) {
+    Answer answer = ReadRegister(options_, *client_, address, length);
+    if (answer.exit != Exit::kDone) return answer;
+    shown = answer.data.size() == length && shows(answer.data) ? shown + 1 : 0;
+    if (shown == 2) return answer;
+    if (steady_clock::now() >= deadline) return {Exit::kRefused, "", std::move(answer.data)};
+    std::this_thread::sleep_for(kLook);
+  }
+}
+
+Answer Device::Write(const Change& change) {
+  Answer answer = Send(change.address, change.data);
+  if (answer.exit != Exit::kDone) return answer;
+  return Await(change.shown_at, change.shown_length, change.shows);
+}
+
+Answer Device::ReadBytes(std::uint32_t address, std::size_t length) {
+  Answer answer = ReadRegister(options_, *client_, address, static_cast<std::uint16_t>(length));
+  if (answer.exit == Exit::kDone && answer.data.size() != length) {
     return {Exit::kRefused, "refused: a short reply", {}};
   }
   return answer;
 }
 
-Answer Device::Write(const Change& change) {
-  const auto deadline = steady_clock::now() + kSettleTime;
-  Answer answer = WriteRegister(options_, *client_, change.address, change.data);
+Answer Device::Send(std::uint32_t address, std::vector<std::uint8_t> data) {
+  if (const auto obstacle = WriteObstacle(options_, address, data.size())) {
+    return {Exit::kRefused, "not sent: " + *obstacle, {}};
+  }
+  return WriteRegister(options_, *client_, address, std::move(data));
+}
+
+Answer Device::AwaitWork(std::chrono::milliseconds limit) {
+  Options patient = options_;
+  patient.timeout = limit;
+  const auto deadline = steady_clock::now() + limit;
+  Answer answer = ReadBytes(kQueueMark, 1);
+  if (answer.exit != Exit::kDone) return answer;
+  // Another byte than the present one, and mostly another than a second client's.
+  const auto mark = static_cast<std::uint8_t>(answer.data[0] + 1 + getpid() % 255);
+  answer = WriteRegister(patient, *client_, kQueueMark, {mark});
   if (answer.exit != Exit::kDone) return answer;
   while (true) {
-    answer = ReadRegister(options_, *client_, change.shown_at, change.shown_length);
-    if (answer.exit != Exit::kDone) return answer;
-    if (answer.data.size() == change.shown_length && change.shows(answer.data)) return answer;
+    answer = ReadBytes(kQueueMark, 1);
+    if (answer.exit != Exit::kDone || answer.data[0] == mark) return answer;
     if (steady_clock::now() >= deadline) break;
     std::this_thread::sleep_for(kLook);
   }
-  answer.exit = Exit::kRefused;
-  return answer;
+  return {Exit::kRefused, "the device has taken it and is still at work", {}};
+}
+
+Answer Device::ReadBehind(const quivord::Target& target, std::uint32_t address,
+                          std::uint16_t length) {
+  Options behind = options_;
+  behind.target = target;
+  return ReadRegister(behind, *client_, address, length);
 }
 
 std::uint32_t FeatureAddress(const FeatureRegister& row) {

@@ -1,4 +1,5 @@
-// The feature registers of a board's sending card, read and written as commands do it.
+// The registers of a board's sending card, read and written as commands do it, the feature
+// registers by their names.
 //
 // A reply to a write comes before the work. Nobody who sets something should have to know: what is
 // set here is read back until it shows.
@@ -26,6 +27,9 @@ struct FeaturePage {
 
   // The bytes of a register, where they are up to date.
   std::span<const std::uint8_t> Bytes(const ZEPH_MCUC::FeatureRegister& row) const;
+
+  // Whether the FPGA has its parameters: no restore leaves a 0 there.
+  bool Restored() const { return cells[ZEPH_MCUC::feature::kInputMode] != 0; }
 };
 
 // A write, and how to see that it has taken effect.
@@ -49,9 +53,29 @@ class Device {
   // The bytes of one register.
   Answer Read(const ZEPH_MCUC::FeatureRegister& row);
 
-  // Writes, then reads until it shows, `kSettleTime` at most. `data` is what was read last; an
-  // answer of `kRefused` with data says that it didn't show.
+  // `length` bytes at any address; a reply may be shorter.
+  Answer Read(std::uint32_t address, std::uint16_t length);
+
+  // Reads until `shows`, `kSettleTime` at most. `data` is what was read last; an answer of
+  // `kRefused` with data says that it didn't show.
+  using Shows = std::function<bool(std::span<const std::uint8_t>)>;
+  Answer Await(std::uint32_t address, std::uint16_t length, const Shows& shows);
+
+  // Writes, then awaits.
   Answer Write(const Change& change);
+
+  // `length` bytes at `address`, all of them or a refusal.
+  Answer ReadBytes(std::uint32_t address, std::size_t length);
+
+  // Writes and doesn't look whether it shows; what the device would refuse or lose isn't sent.
+  Answer Send(std::uint32_t address, std::vector<std::uint8_t> data);
+
+  // Waits until the device has carried out what it was asked for before, `limit` at most. Other
+  // clients' requests may wait meanwhile, as behind any write.
+  Answer AwaitWork(std::chrono::milliseconds limit = kSettleTime);
+
+  // What a device behind a port answers.
+  Answer ReadBehind(const quivord::Target& target, std::uint32_t address, std::uint16_t length);
 
  private:
   Device(const Options& options, std::unique_ptr<quivord::Client> client)
@@ -60,6 +84,9 @@ class Device {
   const Options& options_;
   std::unique_ptr<quivord::Client> client_;
 };
+
+// The register of a cell of the FPGA.
+constexpr std::uint32_t CellRegister(std::uint32_t bus) { return 0xF0000000 + bus; }
 
 // Where a read of `row` is up to date.
 std::uint32_t FeatureAddress(const ZEPH_MCUC::FeatureRegister& row);

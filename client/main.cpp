@@ -25,7 +25,9 @@ std::vector<Declared> DeclareAll(CLI::App& app) {
     all.push_back({sub, command->declare(*sub)});
     const std::string examples = std::string("Examples:\n") + command->examples;
     sub->footer(examples);
-    for (CLI::App* part : sub->get_subcommands({})) part->footer(examples);
+    for (CLI::App* part : sub->get_subcommands({})) {
+      if (part->get_footer().empty()) part->footer(examples);
+    }
   }
   return all;
 }

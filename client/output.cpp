@@ -1,5 +1,7 @@
 #include "output.h"
 
+#include <unistd.h>
+
 #include <cstdio>
 
 namespace ctl {
@@ -16,7 +18,10 @@ std::string Dump(const nlohmann::json& object) {
 
 }  // namespace
 
+Output::Output(bool json) : json_(json), terminal_(isatty(STDERR_FILENO) == 1) {}
+
 void Output::Show(const std::string& text, const nlohmann::json& object) const {
+  ClearProgress();
   if (json_) {
     PrintLine(Dump(object));
   } else if (!text.empty()) {
@@ -25,8 +30,26 @@ void Output::Show(const std::string& text, const nlohmann::json& object) const {
 }
 
 void Output::Fault(const std::string& text, int status) const {
+  ClearProgress();
   std::fprintf(stderr, "quivordctl: %s\n", text.c_str());
   if (json_) PrintLine(Dump({{"error", text}, {"status", status}}));
+}
+
+void Output::Step(const std::string& text) const {
+  if (json_) return;
+  ClearProgress();
+  std::fprintf(stderr, "%s\n", text.c_str());
+}
+
+void Output::Progress(const std::string& text) const {
+  if (json_ || !terminal_) return;
+  std::fprintf(stderr, "\r\033[K%s", text.c_str());
+  progress_ = true;
+}
+
+void Output::ClearProgress() const {
+  if (progress_) std::fputs("\r\033[K", stderr);
+  progress_ = false;
 }
 
 }  // namespace ctl

@@ -11,6 +11,7 @@
 #include "mcuctrace.h"
 #include "proto/calc_feature.h"
 #include "proto/calc_flashmap.h"
+#include "proto/calc_reset.h"
 #include "proto/data_common.h"
 
 namespace ZEPH_MCUC {
@@ -23,9 +24,6 @@ constexpr int kSettle_ms = 5;
 constexpr char kFileNameList[] = "/usr/zeph/etc/owd/cabCfg/AllCabCfgFileName";
 constexpr int kNamedFile = 255;  // stands for a file by its full path
 constexpr int kFileNumbers = 32;
-
-// Types of reset. Any other resets all and clears the DHCP flag.
-enum ResetType : uint8_t { kKeepDhcp = 0, kDefaultNetwork = 1, kKeepFiles = 2 };
 
 // A region that may be kept, and its bytes; null where there was no memory for them.
 struct Kept {
@@ -129,12 +127,13 @@ int Data_Global::ReturnFactory(uint8_t type) {
   Kept light{flash::kBrightness, 4096, "=== malloc AutoLightPara err! ", nullptr, nullptr};
   for (Kept& region : kept) Allocate(&region);
   Allocate(&light);
+  const ResetRule& rule = ResetRuleOf(type);
   uint8_t dhcp = 0;
-  if (type == kDefaultNetwork) {
+  if (rule.defaultNetwork) {
     const bool set = SetIPVersion() == 0;
     MCUC_LOG(set ? kLogInfo : kLogError,
              (set ? "Set IP successfully! " : "=== ReturnFactory ===Set IP failed! "));
-  } else if (type == kKeepDhcp || type == kKeepFiles) {
+  } else if (rule.keepsDhcp) {
     MCUC_LOG(kLogInfo, "read DHCP Para!!");
     dhcp = ReadByte(flash::kDhcpFlag, "=== ReturnFactory ===Read from flash failed, DHCP flag");
     for (Kept& region : kept) Read(&region);
@@ -151,7 +150,7 @@ int Data_Global::ReturnFactory(uint8_t type) {
   PatchCopy(card, changes, light, dhcp);
   MCUC_LOG(kLogInfo,
            "============================= Finish return factory =============================");
-  if (type == kKeepFiles) {
+  if (rule.keepsFiles) {
     for (const Kept& region : kept) WriteCopy(region);
     MCUC_LOG(kLogInfo,
              "============================= Rname & FvFile Delate success! "
