@@ -40,7 +40,7 @@ Found<std::vector<Record>> ReadTable(const AreaReader& read, uint16_t base, cons
   }
   count = std::max(count, shape.least);
   if (count > shape.most) return {TableState::kCount};
-  std::vector<uint8_t> bytes(count * shape.recordSize);
+  std::vector<uint8_t> bytes(std::size_t{count} * shape.recordSize);
   const TableState state = ReadBytes(read, base + 1U, bytes);
   if (state != TableState::kThere) return {state};
   Found<std::vector<Record>> found;

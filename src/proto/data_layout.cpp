@@ -50,7 +50,9 @@ void ApplyToImage(Data_Global* data, const Plan& plan) {
 // A linked port that carries no stripe of its own is a backup.
 void ApplyRoles(Data_Global* data, const MosaicPlan& plan, uint8_t backup) {
   const uint8_t value = backup != 0 ? feature::kPortBackup : 0;
-  for (uint8_t port = 0; port < kPortPlaces.size(); ++port) data->PortMorSUpdate(port, value);
+  for (std::size_t port = 0; port < kPortPlaces.size(); ++port) {
+    data->PortMorSUpdate(static_cast<uint8_t>(port), value);
+  }
   if (data->NormalBackupStatus == 0) return;
   for (uint8_t port = plan.usedPorts; port < kTablePorts; ++port) {
     if ((data->GigaPhyLinkSta >> port & 1) != 0) data->PortMorSUpdate(port, feature::kPortBackup);
