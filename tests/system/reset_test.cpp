@@ -111,7 +111,7 @@ TEST_P(ResetOfType, ReachesTheFactoryStateAndKeepsWhatItsTypeKeeps) {
   EXPECT_EQ(board::ReadEnv("boot_screen"), "0");
   EXPECT_EQ(device::Flash(0xB99016, 3), "010101");
   EXPECT_EQ(device::Flash(0xC20000, 16), "80000000800000008000000080000000");
-  EXPECT_EQ(device::Fpga(0x1EC, 4), "80008000") << "a screen of one card";
+  EXPECT_EQ(device::Fpga(0x24, 4), "80008000") << "a screen of one card";
   EXPECT_EQ(device::Fpga(0x1DE, 1), "00") << "closed";
 }
 
@@ -213,6 +213,7 @@ TEST_P(ResetCuts, LeaveADeviceAsBeforeOrReset) {
     EXPECT_TRUE(state == "reset" ||
                 std::filesystem::exists(board_kit::Named() / kFiles / "RvCfgFile_3.rcfgx"));
     ExpectIdentity();
+    RecordProperty("writes", write);
     if (board::FaultCount(Fault::kFlashCut) > 0) break;  // it got through
   }
   SetFaultCount(Fault::kFlashCut, 0);

@@ -174,7 +174,7 @@ const Operation kOperations[] = {
     {.name = "identity",
      .prepare = [] { device::PutFlash(0x1000, std::string(512, '1').c_str()); },
      .act = WriteIdentity,
-     .regions = {{0x1000, 256, 3}},
+     .regions = {{0x1002, 2, 3}, {0x1016, 8, 3}, {0x103D, 7, 3}},
      // The area is written as it was read: what can't be read is lost.
      .lasting = {"once:flash-read:1", "once:flash-read:2", "once:flash-read:3",
                  "forever:flash-read"}},
