@@ -3,14 +3,18 @@
 #include <benchmark/benchmark.h>
 
 #include <array>
+#include <atomic>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <numeric>
+#include <thread>
 #include <vector>
 
 #include "driverutil.h"
 #include "own_board.h"
+#include "proto/calc_feature.h"
+#include "proto/data_common.h"
 #include "stub/stubutil.h"
 #include "support/inprocess.h"
 
@@ -100,6 +104,59 @@ void TestRead(benchmark::State& state) {
   ServeTestReads(state, 7);
 }
 BENCHMARK(TestRead);
+
+// The same while the loop makes pass after pass, without the 200 ms between them: how long a
+// request is held up by the loop's reads of the FPGA.
+void TestReadBesideTheLoop(benchmark::State& state) {
+  OwnBoard();
+  inprocess::Write(kTestCell, std::array<uint8_t, 4>{7, 7, 7, 7});
+  std::atomic<bool> stop = false;
+  std::thread loop([&] {
+    while (!stop) McuQMBThread::PollingPass();
+  });
+  ServeTestReads(state, 7);
+  stop = true;
+  loop.join();
+}
+BENCHMARK(TestReadBesideTheLoop);
+
+// The whole feature page, and the bus read that it needs, by itself.
+void FeaturePage(benchmark::State& state) {
+  OwnBoard();
+  QMB_proto3rd request = inprocess::ReadRequest(feature::kBase, feature::kSize);
+  StubUtil* const daemon = StubUtil::getInstance();
+  Data_Global::getInstance()->SendParameterReg.setU32(feature::kScreenWidth, 0x00800080);
+  inprocess::Write(0xF0000000 + feature::kScreenWidth, std::array<uint8_t, 4>{128, 0, 128, 0});
+  for (auto _ : state) {
+    request.proto.m_ucAck = JSHL_OK;
+    request.proto.m_usValidDataLength = feature::kSize;
+    request.proto.m_data.clear();
+    daemon->onDataRecvFromQMBNew(&request);
+  }
+  if (request.proto.m_data.size() != feature::kSize) state.SkipWithError("no page came");
+}
+BENCHMARK(FeaturePage);
+
+void FeaturePageRefresh(benchmark::State& state) {
+  OwnBoard();
+  inprocess::Start();
+  std::array<uint8_t, feature::kBusEnd> page{};
+  for (auto _ : state) {
+    DriverUtil::getInstance()->ReadFPGABusBlock(0, page.data(), page.size());
+    benchmark::ClobberMemory();
+  }
+}
+BENCHMARK(FeaturePageRefresh);
+
+// The largest wall laid out: plan, tables, FPGA and the save with its "sync".
+void LayOutLargestWall(benchmark::State& state) {
+  OwnBoard();
+  inprocess::Start();
+  for (auto _ : state) {
+    Data_Global::getInstance()->CalculateParaOfSenderInMosaicMode({32, 64, 205, 0, 0});
+  }
+}
+BENCHMARK(LayOutLargestWall)->Unit(benchmark::kMicrosecond);
 
 // The same once the FPGA is known to be down, so that no call goes to it. Nothing brings it back:
 // this one runs last.

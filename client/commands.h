@@ -19,6 +19,10 @@ extern const Command kTimeCommand;
 extern const Command kFeatureCommand;
 extern const Command kStoreCommand;
 extern const Command kWallCommand;
+extern const Command kEdidCommand;
+extern const Command kInputsCommand;
+extern const Command kTimingCommand;
+extern const Command kScaleCommand;
 extern const Command kSaveCommand;
 extern const Command kReloadCommand;
 extern const Command kMappingCommand;
@@ -27,6 +31,11 @@ extern const Command kIdentityCommand;
 extern const Command kFilesCommand;
 extern const Command kResetCommand;
 extern const Command kCardCommand;
+extern const Command kHdrCommand;
+extern const Command kPictureCommand;
+extern const Command kGammaCommand;
+extern const Command kPatternCommand;
+extern const Command kWarmupCommand;
 
 // In the order in which help lists them.
 std::span<const Command* const> Commands();

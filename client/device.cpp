@@ -11,7 +11,7 @@ namespace {
 using namespace ZEPH_MCUC;
 using std::chrono::steady_clock;
 
-constexpr std::uint32_t kCells = 0xF0000000;  // the register of FPGA cell 0
+constexpr std::uint32_t kCells = CellRegister(0);
 constexpr auto kLook = std::chrono::milliseconds(20);
 
 // A byte of the screen parameters that nothing uses and nothing stores. A write to it goes through
@@ -67,19 +67,27 @@ Answer Device::Read(const FeatureRegister& row) {
   return ReadBytes(FeatureAddress(row), row.width);
 }
 
-Answer Device::Write(const Change& change) {
+Answer Device::Read(std::uint32_t address, std::uint16_t length) {
+  return ReadRegister(options_, *client_, address, length);
+}
+
+Answer Device::Await(std::uint32_t address, std::uint16_t length, const Shows& shows) {
   const auto deadline = steady_clock::now() + kSettleTime;
-  Answer answer = WriteRegister(options_, *client_, change.address, change.data);
-  if (answer.exit != Exit::kDone) return answer;
-  while (true) {
-    answer = ReadRegister(options_, *client_, change.shown_at, change.shown_length);
+  // Twice in a row: a value that the device takes back shows for a moment.
+  for (int shown = 0;;) {
+    Answer answer = ReadRegister(options_, *client_, address, length);
     if (answer.exit != Exit::kDone) return answer;
-    if (answer.data.size() == change.shown_length && change.shows(answer.data)) return answer;
-    if (steady_clock::now() >= deadline) break;
+    shown = answer.data.size() == length && shows(answer.data) ? shown + 1 : 0;
+    if (shown == 2) return answer;
+    if (steady_clock::now() >= deadline) return {Exit::kRefused, "", std::move(answer.data)};
     std::this_thread::sleep_for(kLook);
   }
-  answer.exit = Exit::kRefused;
-  return answer;
+}
+
+Answer Device::Write(const Change& change) {
+  Answer answer = Send(change.address, change.data);
+  if (answer.exit != Exit::kDone) return answer;
+  return Await(change.shown_at, change.shown_length, change.shows);
 }
 
 Answer Device::ReadBytes(std::uint32_t address, std::size_t length) {

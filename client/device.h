@@ -53,8 +53,15 @@ class Device {
   // The bytes of one register.
   Answer Read(const ZEPH_MCUC::FeatureRegister& row);
 
-  // Writes, then reads until it shows, `kSettleTime` at most. `data` is what was read last; an
-  // answer of `kRefused` with data says that it didn't show.
+  // `length` bytes at any address; a reply may be shorter.
+  Answer Read(std::uint32_t address, std::uint16_t length);
+
+  // Reads until `shows`, `kSettleTime` at most. `data` is what was read last; an answer of
+  // `kRefused` with data says that it didn't show.
+  using Shows = std::function<bool(std::span<const std::uint8_t>)>;
+  Answer Await(std::uint32_t address, std::uint16_t length, const Shows& shows);
+
+  // Writes, then awaits.
   Answer Write(const Change& change);
 
   // `length` bytes at `address`, all of them or a refusal.
@@ -77,6 +84,9 @@ class Device {
   const Options& options_;
   std::unique_ptr<quivord::Client> client_;
 };
+
+// The register of a cell of the FPGA.
+constexpr std::uint32_t CellRegister(std::uint32_t bus) { return 0xF0000000 + bus; }
 
 // Where a read of `row` is up to date.
 std::uint32_t FeatureAddress(const ZEPH_MCUC::FeatureRegister& row);

@@ -1,6 +1,7 @@
 #include <fstream>
 
 #include "commands.h"
+#include "device.h"
 #include "wall/draw.h"
 #include "wall/text.h"
 #include "wall_commands.h"
@@ -23,7 +24,23 @@ Run DeclareShow(CLI::App& /*app*/) { return Show; }
 struct DrawWords {
   std::string file;
   int scale = wall::kScale;
+  bool pattern = false;
 };
+
+// The test pattern that the FPGA shows, or why there is none.
+Answer ReadPattern(const Context& context, std::optional<wall::Pattern>* pattern) {
+  namespace registers = ZEPH_MCUC::pattern;
+  Exit exit = Exit::kDone;
+  const auto device = Device::Open(context, exit);
+  if (device == nullptr) return {exit, "", {}};
+  Answer answer = device->Read(registers::kBase, registers::kUsed);
+  if (answer.exit != Exit::kDone) return answer;
+  *pattern = wall::UnderstandPattern(std::span(answer.data).first<registers::kUsed>());
+  if (!pattern->has_value()) {
+    return {Exit::kRefused, "no pattern to draw; 'quivordctl pattern' shows one", {}};
+  }
+  return answer;
+}
 
 Exit Draw(Context& context, const DrawWords& words) {
   const auto format = wall::FormatOf(words.file);
@@ -33,7 +50,12 @@ Exit Draw(Context& context, const DrawWords& words) {
   if (const auto obstacle = wall::DrawObstacle(read.wall)) {
     return context.Fail(Exit::kRefused, "nothing to draw: " + *obstacle);
   }
-  const std::string fault = wall::Draw(read.wall, words.file, *format, words.scale);
+  std::optional<wall::Pattern> pattern;
+  if (words.pattern) {
+    const Answer answer = ReadPattern(context, &pattern);
+    if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+  }
+  const std::string fault = wall::Draw(read.wall, words.file, *format, words.scale, pattern);
   if (!fault.empty()) return context.Fail(Exit::kWrongUse, words.file + ": " + fault);
   context.out.Show("drew " + words.file, {{"file", words.file}});
   return Exit::kDone;
@@ -47,6 +69,7 @@ Run DeclareDraw(CLI::App& app) {
       ->type_name("N")
       ->check(CLI::Range(1, wall::kMostScale))
       ->capture_default_str();
+  app.add_flag("--pattern", words->pattern, "With the test pattern in place of the cables");
   return [words](Context& context) { return Draw(context, *words); };
 }
 
@@ -112,6 +135,7 @@ const Command kWallDraw{
     "Draw the wall that the device holds",
     "  quivordctl wall draw wall.png\n"
     "  quivordctl wall draw wall.svg\n"
+    "  quivordctl wall draw --pattern pattern.png\n"
     "With --json: {file}.",
     DeclareDraw,
 };

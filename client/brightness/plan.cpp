@@ -17,6 +17,11 @@ constexpr std::array<KindRow, 6> kKinds = {{
      "an outside device; times and light sensor while it is silent"},
 }};
 
+// A file holds its header at least, and no more than the area.
+std::size_t SizeOfFile(std::size_t length) {
+  return std::clamp<std::size_t>(length, table::mix::kHeaderSize, table::kAreaSize);
+}
+
 // Writes into a table; what lies past its end is left out.
 class Writer {
  public:
@@ -159,8 +164,7 @@ void Settle(Plan& plan) {
 
 Bytes TableOf(const Plan& plan) {
   const bool mix = IsMixFamily(plan.kind);
-  Bytes bytes(mix ? std::min<std::size_t>(plan.header.fileLength, table::kAreaSize)
-                  : table::kImageSize);
+  Bytes bytes(mix ? SizeOfFile(plan.header.fileLength) : table::kImageSize);
   Writer writer(bytes);
   if (plan.kind == Kind::kList) PutList(plan, writer);
   if (plan.kind == Kind::kSensor) PutSensor(plan, writer);
@@ -210,7 +214,7 @@ std::size_t TableSize(std::span<const std::uint8_t> head) {
   namespace at = table::mix;
   if (head.size() < at::kHeaderSize || !table::IsMixFamily(head[0])) return table::kImageSize;
   const std::size_t length = head[at::kFileLength] | head[at::kFileLength + 1] << 8;
-  return std::clamp<std::size_t>(length, at::kHeaderSize, table::kAreaSize);
+  return SizeOfFile(length);
 }
 
 }  // namespace quivord::brightness

@@ -74,15 +74,15 @@ void DrawDimension(Painter& painter, Point from, Point to, std::uint32_t pixels)
 
 }  // namespace
 
-void DrawTitle(const Wall& wall, const Picture& picture, Painter& painter) {
+void DrawTitle(const Wall& wall, const std::string& over, const Picture& picture,
+               Painter& painter) {
   const Box& box = picture.title;
   const std::string title =
       "LED wall, " + SizeText(wall.screen.width, wall.screen.height) + " pixels";
   painter.Text(title, {box.x, box.y + 24}, kTitleFont, palette::kInk, Align::kLeft, box.width);
   painter.Text(WallText(wall), {box.x, box.y + 58}, kLineFont, palette::kSoftInk, Align::kLeft,
                box.width);
-  painter.Text(CablesText(wall), {box.x, box.y + 82}, kLineFont, palette::kSoftInk, Align::kLeft,
-               box.width);
+  painter.Text(over, {box.x, box.y + 82}, kLineFont, palette::kSoftInk, Align::kLeft, box.width);
 }
 
 void DrawStage(const Wall& wall, const Picture& picture, Painter& painter) {
@@ -102,16 +102,23 @@ std::optional<std::string> DrawObstacle(const Wall& wall) {
   return std::nullopt;
 }
 
-std::string Draw(const Wall& wall, const std::filesystem::path& file, Format format, int scale) {
+std::string Draw(const Wall& wall, const std::filesystem::path& file, Format format, int scale,
+                 const std::optional<Pattern>& pattern) {
   const Picture picture = Arrange(wall);
   Painter painter(file, format, picture.width, picture.height, scale);
-  painter.Fill({0, 0, picture.width, picture.height}, palette::kPaper);
-  DrawTitle(wall, picture, painter);
-  DrawStage(wall, picture, painter);
-  for (const auto part : {DrawCabinets, DrawCable}) {
+  const auto each = [&](auto part) {
     for (const Port& port : wall.ports) {
       if (port.main()) part(wall, port, picture, painter);
     }
+  };
+  painter.Fill({0, 0, picture.width, picture.height}, palette::kPaper);
+  DrawTitle(wall, pattern ? ShownText(*pattern, picture) : CablesText(wall), picture, painter);
+  DrawStage(wall, picture, painter);
+  each(DrawCabinets);
+  if (pattern) {
+    DrawPattern(wall, *pattern, picture, painter);
+  } else {
+    each(DrawCable);
   }
   DrawLegend(wall, picture, painter);
   return painter.Finish();

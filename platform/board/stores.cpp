@@ -1,6 +1,7 @@
 #include "board/stores.h"
 
 #include <fcntl.h>
+#include <malloc.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -36,6 +37,15 @@ bool FillUp(const fs::path& file) {
   return handle && WriteAll(handle.get(), std::string(kStoreSize - size, '\xFF'));
 }
 
+void CreateMissing(const fs::path& factory, const fs::path& live) {
+  const FileHandle lock = LockFolder(Folder());
+  if (!fs::exists(factory)) Create(factory, FactoryImage());
+  if (fs::exists(live)) return;
+  const auto content = ReadWhole(factory);
+  if (!content) Fail("cannot read the factory store " + factory.string());
+  Create(live, *content);
+}
+
 }  // namespace
 
 fs::path StorePath(Store store) {
@@ -46,12 +56,8 @@ void CreateStores() {
   const auto factory = StorePath(Store::kFactory);
   const auto live = StorePath(Store::kLive);
   if (fs::exists(factory) && fs::exists(live)) return;
-  const FileHandle lock = LockFolder(Folder());
-  if (!fs::exists(factory)) Create(factory, FactoryImage());
-  if (fs::exists(live)) return;
-  const auto content = ReadWhole(factory);
-  if (!content) Fail("cannot read the factory store " + factory.string());
-  Create(live, *content);
+  CreateMissing(factory, live);
+  malloc_trim(0);  // whole images were in memory; a daemon that made them stays as small as others
 }
 
 bool CheckStores() {

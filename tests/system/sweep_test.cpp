@@ -9,6 +9,7 @@
 #include "proto/calc_curves.h"
 #include "proto/data_common_tables.h"
 #include "stub/mcuqmbthread.h"
+#include "support/brightness_bytes.h"
 #include "support/device.h"
 #include "support/inprocess.h"
 #include "support/sweep.h"
@@ -66,6 +67,39 @@ void ChangeAndSave() {
 void ConfigureWall() {
   Write(0x02810010, "00000000000004030500");
   for (int pass = 0; pass < 2; ++pass) ZEPH_MCUC::McuQMBThread::CalculateSenderParaHandler();
+}
+
+// A list of times under mode byte 0, which stores it, then its own mode byte, which starts it.
+void UploadList() {
+  std::vector<std::uint8_t> table(512);
+  table[1] = 2;
+  for (const auto& [at, value] :
+       {std::pair{0x20, 0x08}, {0x21, 0x20}, {0x80, 0x03}, {0x81, 0x03}, {0xA0, 200}, {0xA1, 20}}) {
+    table[static_cast<std::size_t>(at)] = static_cast<std::uint8_t>(value);
+  }
+  inprocess::Write(0x0A000000, table);
+  inprocess::DrainQueue();
+  Write(0x0A000000, "5b");
+}
+
+// The mode byte alone rewrites the first 0x1000 bytes page by page, and comes also where the table
+// before it was lost.
+std::vector<sweep::Region> ListRegions() {
+  std::vector<sweep::Region> regions = {{0xB8B000, 1, 2}, {0xB8B001, 0xFF, 2}};
+  for (std::uint32_t at = 0x100; at < 0x1000; at += 0x100) {
+    regions.push_back({0xB8B000 + at, 0x100, at < 0x200 ? 2 : 1});
+  }
+  return regions;
+}
+
+// A mix in one piece, which is complete and starts at once.
+void UploadMix() {
+  const brightness_bytes::Mix mix{.nodes = {{6, 0, false, 0x7F, 30}, {18, 0, true, 0x7F, 0}},
+                                  .sensors = {{0, 0, 0, 1}},
+                                  .map = {{100, 20}, {1000, 90}},
+                                  .fallback = 50};
+  inprocess::Write(0x0A000000, mix.Bytes());
+  inprocess::DrainQueue();
 }
 
 // A gamma set by pieces, which loads it too.
@@ -163,6 +197,8 @@ const Operation kOperations[] = {
      .act = [] { Write(0x02810000, "b9"); },
      .regions = Saved({{0xB99000, 1}, {0xC20000, 8}, kChanges, {0xC20040, 15}}, 2, 5),
      .pageEnd = 0x1EC},
+    {.name = "list", .prepare = [] {}, .act = UploadList, .regions = ListRegions()},
+    {.name = "mix", .prepare = [] {}, .act = UploadMix, .regions = {{0xB8B000, 0x200}}},
     {.name = "hdr",
      .prepare = [] { device::PutFlash(0xC21000, "00000000000000000000"); },
      .act = [] { Write(0x02200117, "58"); },

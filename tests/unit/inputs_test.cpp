@@ -4,6 +4,7 @@
 #include <platform/inputsource.h>
 
 #include <algorithm>
+#include <thread>
 
 #include "board/faults.h"
 #include "board/files.h"
@@ -274,6 +275,24 @@ TEST(EdidSpace, WriteBeforeDetectionKeepsTheOtherModes) {
             "0005d0027017"
             "000400038813");
   EXPECT_EQ(device::Flash(kRecord + 54, 2), "0102");
+}
+
+// The bus receive thread detects, the work thread writes: whichever comes last, the board shows
+// what the store holds.
+TEST(Inputs, DetectionAndAClientsEdidTakeTurns) {
+  device::Begin("none");
+  Inputs().InputBoardInit();
+  std::thread detecting([] {
+    for (int i = 0; i < 20; ++i) Inputs().InputBoardInit();
+  });
+  for (int i = 0; i < 20; ++i) {
+    Inputs().EDIDCommStorage(0, ClientEdid(i % 2 == 0 ? k720p : k1080p).data());
+    Inputs().EDIDCommStorage(1, ClientEdid(k720p).data());
+  }
+  detecting.join();
+  EXPECT_EQ(ModeShown("0000.edid"), (VideoMode{1920, 1080, 6000}));
+  EXPECT_EQ(ModeShown("0010.edid"), (VideoMode{1280, 720, 6000}));
+  EXPECT_EQ(Inputs().RealSourceNum(), 2);
 }
 
 TEST(Inputs, ModesByGroupAndModel) {

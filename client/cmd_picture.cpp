@@ -1,0 +1,104 @@
+#include "commands.h"
+#include "device.h"
+#include "proto/calc_hc.h"
+
+namespace ctl {
+namespace {
+
+namespace hc = ZEPH_MCUC::hc;
+using Colour = hc::CSCParaData;
+
+constexpr int kMost = 100;  // of saturation and contrast: twice as much as in the picture
+constexpr char kNotKept[] = "Not kept: what the FPGA holds is gone when it loads anew.";
+
+struct Words {
+  std::optional<int> saturation, contrast, hue;
+
+  bool any() const { return saturation || contrast || hue; }
+};
+
+// As the daemon shows it: contrast first. All zeros: nobody has set it since the daemon's start,
+// and the neutral values are as good a guess as any.
+Colour ColourOf(std::span<const std::uint8_t> bytes) {
+  using ZEPH_MCUC::DWQ_DECWD;
+  const Colour shown{.Saturation = DWQ_DECWD(&bytes[2]),
+                     .Contrast = DWQ_DECWD(&bytes[0]),
+                     .Hue = DWQ_DECWD(&bytes[4])};
+  const bool unset = shown.Saturation == 0 && shown.Contrast == 0 && shown.Hue == 0;
+  return unset ? Colour{} : shown;
+}
+
+std::string ColourText(const Colour& colour) {
+  return "saturation " + std::to_string(colour.Saturation) + ", contrast " +
+         std::to_string(colour.Contrast) + ", hue " + std::to_string(colour.Hue);
+}
+
+nlohmann::json ColourJson(const Colour& colour) {
+  return {{"saturation", colour.Saturation}, {"contrast", colour.Contrast}, {"hue", colour.Hue}};
+}
+
+Colour With(Colour colour, const Words& words) {
+  if (words.saturation) colour.Saturation = static_cast<std::uint16_t>(*words.saturation);
+  if (words.contrast) colour.Contrast = static_cast<std::uint16_t>(*words.contrast);
+  if (words.hue) colour.Hue = static_cast<std::uint16_t>((*words.hue + 360) % 360);
+  return colour;
+}
+
+Exit Set(const Context& context, Device& device, const Colour& colour) {
+  const auto same = [colour](std::span<const std::uint8_t> bytes) {
+    return ColourText(ColourOf(bytes)) == ColourText(colour);
+  };
+  const auto low = [](std::uint16_t value) { return static_cast<std::uint8_t>(value); };
+  const Answer answer =
+      device.Write({.address = hc::kBase + hc::kColour,
+                    .data = {low(colour.Saturation), low(colour.Contrast), low(colour.Hue),
+                             static_cast<std::uint8_t>(colour.Hue >> 8)},
+                    .shown_at = hc::kBase + hc::kColour,
+                    .shown_length = hc::kColourRead,
+                    .shows = same});
+  if (answer.exit == Exit::kDone) {
+    context.out.Show(ColourText(colour) + "\n" + kNotKept, ColourJson(colour));
+    return Exit::kDone;
+  }
+  return context.Fail(
+      answer.exit, answer.text.empty() ? "the device took it, but doesn't show it" : answer.text);
+}
+
+Exit Do(const Context& context, const Words& words) {
+  Exit exit = Exit::kDone;
+  const auto device = Device::Open(context, exit);
+  if (device == nullptr) return exit;
+  const Answer answer = device->ReadBytes(hc::kBase + hc::kColour, hc::kColourRead);
+  if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+  const Colour now = ColourOf(answer.data);
+  if (words.any()) return Set(context, *device, With(now, words));
+  context.out.Show(ColourText(now), ColourJson(now));
+  return Exit::kDone;
+}
+
+Run Declare(CLI::App& app) {
+  const auto words = std::make_shared<Words>();
+  app.add_option("--saturation", words->saturation, "0 is gray, 50 as it comes, 100 twice as much")
+      ->type_name("N")
+      ->check(CLI::Range(0, kMost));
+  app.add_option("--contrast", words->contrast, "0 is dark, 50 as it comes, 100 twice as much")
+      ->type_name("N")
+      ->check(CLI::Range(0, kMost));
+  app.add_option("--hue", words->hue, "Degrees that colours turn by")
+      ->type_name("N")
+      ->check(CLI::Range(-180, 359));
+  return [words](Context& context) { return Do(context, *words); };
+}
+
+}  // namespace
+
+const Command kPictureCommand{
+    "picture",
+    "Show or set saturation, contrast and hue",
+    "  quivordctl picture\n"
+    "  quivordctl picture --saturation 60 --hue -5\n"
+    "What isn't given stays as it was. With --json: {saturation, contrast, hue}.",
+    Declare,
+};
+
+}  // namespace ctl

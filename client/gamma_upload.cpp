@@ -1,0 +1,170 @@
+#include <unistd.h>
+
+#include <cmath>
+#include <fstream>
+#include <iterator>
+#include <thread>
+
+#include "gamma_commands.h"
+#include "picture_mode.h"
+#include "proto/calc_rgbgamma.h"
+
+namespace ctl {
+namespace {
+
+using quivord::colour::GammaSet;
+namespace rgbgamma = ZEPH_MCUC::rgbgamma;
+
+constexpr std::uintmax_t kMostFile = 1 << 20;  // three numbers a line and remarks
+constexpr int kPieces = 3 * static_cast<int>(ZEPH_MCUC::kGammaTableSize / kGammaPiece);
+constexpr auto kLook = std::chrono::milliseconds(50);
+
+struct Words {
+  std::string file;
+  std::optional<double> exponent;
+  int depth = 10;
+
+  rgbgamma::Set set() const { return depth == 12 ? rgbgamma::Set::k12Bit : rgbgamma::Set::k10Bit; }
+};
+
+// A line on a terminal that counts the pieces; elsewhere nothing.
+class Progress {
+ public:
+  ~Progress() {
+    if (shown_) std::fprintf(stderr, "\r%*s\r", 40, "");
+  }
+  void Count() {
+    ++done_;
+    if (isatty(STDERR_FILENO) == 0) return;
+    shown_ = true;
+    std::fprintf(stderr, "\ruploading %2d of %d", done_, kPieces);
+  }
+
+ private:
+  int done_ = 0;
+  bool shown_ = false;
+};
+
+quivord::Result<GammaSet> ReadFile(const std::string& name) {
+  const auto wrong = [&name](const std::string& text) {
+    return quivord::Error{quivord::Trouble::kWrongUse, name + ": " + text};
+  };
+  std::error_code failed;
+  const std::uintmax_t size = std::filesystem::file_size(name, failed);
+  if (failed) return wrong(failed.message());
+  if (size > kMostFile) return wrong("far too large for gamma tables");
+  std::ifstream stream(name, std::ios::binary);
+  const std::string bytes{std::istreambuf_iterator<char>(stream), {}};
+  auto set = quivord::colour::ParseGamma(bytes);
+  if (!set) return wrong(set.error().text);
+  return set;
+}
+
+quivord::Result<GammaSet> WantedSet(const Words& words) {
+  if (words.exponent.has_value() == !words.file.empty()) {
+    return quivord::Error{quivord::Trouble::kWrongUse, "give a FILE or an --exponent"};
+  }
+  if (!words.exponent.has_value()) return ReadFile(words.file);
+  const auto table = ZEPH_MCUC::PowerTable(*words.exponent, words.depth);
+  return GammaSet{table, table, table};
+}
+
+// The order matters: the last piece of blue is what loads the set.
+Answer SendPieces(Device& device, rgbgamma::Set which, const GammaSet& set) {
+  Progress progress;
+  for (const rgbgamma::Table& table : rgbgamma::TablesOf(which)) {
+    const auto& bytes = set[static_cast<std::size_t>(table.colour)];
+    for (std::uint32_t at = 0; at < bytes.size(); at += kGammaPiece) {
+      Answer answer =
+          device.Send(table.reg + at, {bytes.begin() + at, bytes.begin() + at + kGammaPiece});
+      if (answer.exit != Exit::kDone) return answer;
+      progress.Count();
+    }
+  }
+  return {};
+}
+
+// Notes the exponent, in tenths, beside the set.
+Answer SendExponent(Device& device, const Words& words) {
+  for (const rgbgamma::Value& value : rgbgamma::kValues) {
+    if (value.set != words.set()) continue;
+    const auto tenths = static_cast<std::uint8_t>(std::lround(*words.exponent * 10));
+    return device.Send(value.reg, {tenths});
+  }
+  return {};
+}
+
+Answer AwaitLoaded(Device& device, const GammaSet& wanted) {
+  const auto deadline = std::chrono::steady_clock::now() + kSettleTime;
+  while (true) {
+    GammaSet held;
+    Answer answer = ReadGamma(device, &held);
+    if (answer.exit != Exit::kDone || held == wanted) return answer;
+    if (std::chrono::steady_clock::now() >= deadline) {
+      return {Exit::kRefused, "the device took the set, but the FPGA doesn't hold it", {}};
+    }
+    std::this_thread::sleep_for(kLook);
+  }
+}
+
+std::string StoredText(int depth, bool loaded) {
+  const std::string text = "stored the " + std::to_string(depth) + "-bit set";
+  if (depth == 12) {
+    return loaded ? text +
+                        " and loaded it\nWhatever loads the default mode later takes the "
+                        "10-bit set: upload this one again then."
+                  : text +
+                        "\nThe picture is in an HDR mode, and what ends that loads the 10-bit "
+                        "set: upload this one again then.";
+  }
+  return loaded ? text +
+                      " and loaded it\nKept, but not loaded by itself after a power-up: "
+                      "'quivordctl gamma load' does that."
+                : text + "\nThe picture is in an HDR mode: 'quivordctl hdr off' loads the set.";
+}
+
+Exit Upload(const Context& context, const Words& words) {
+  const auto set = WantedSet(words);
+  if (!set) return context.Fail(set.error());
+  Exit exit = Exit::kDone;
+  const auto device = Device::Open(context, exit);
+  if (device == nullptr) return exit;
+  PictureMode mode;
+  Answer answer = ReadMode(*device, &mode);
+  const bool loads = mode.set.HDRType == ZEPH_MCUC::hc::kDefaultMode;
+  if (answer.exit == Exit::kDone) answer = SendPieces(*device, words.set(), set.value());
+  if (answer.exit == Exit::kDone && words.exponent) answer = SendExponent(*device, words);
+  if (answer.exit == Exit::kDone && loads) answer = AwaitLoaded(*device, set.value());
+  if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+  context.out.Show(StoredText(words.depth, loads), {{"depth", words.depth}, {"loaded", loads}});
+  return Exit::kDone;
+}
+
+Run Declare(CLI::App& app) {
+  const auto words = std::make_shared<Words>();
+  app.add_option("FILE", words->file, "Tables: numbers as text, or bytes as the FPGA takes them");
+  app.add_option("--exponent", words->exponent, "A power curve instead of a file")
+      ->type_name("E")
+      ->check(CLI::Range(0.1, 25.0));
+  app.add_option("--depth", words->depth, "Bits of the signal that the set is for")
+      ->type_name("BITS")
+      ->check(CLI::IsMember({10, 12}))
+      ->capture_default_str();
+  return [words](Context& context) { return Upload(context, *words); };
+}
+
+}  // namespace
+
+const Command kGammaUpload{
+    "upload",
+    "Store a set of gamma tables and load it",
+    "  quivordctl gamma upload --exponent 2.4\n"
+    "  quivordctl gamma upload tables.csv --depth 12\n"
+    "A file of text has 4096 or 1024 lines, an input code a line from dark to bright: a number "
+    "from\n"
+    "  0 to 65535, or three for red, green and blue. A binary one has 8192 or 3 times 8192 bytes.\n"
+    "With --json: {depth, loaded}.",
+    Declare,
+};
+
+}  // namespace ctl

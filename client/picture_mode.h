@@ -1,0 +1,26 @@
+// The mode of a device's picture and its colour setting, read and written as commands do it.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "device.h"
+#include "proto/calc_hc.h"
+
+namespace ctl {
+
+// What the daemon knows of the mode, and what the FPGA holds.
+struct PictureMode {
+  ZEPH_MCUC::hc::HDRParaData set;  // by clients since the daemon's start; `brightness` isn't read
+  bool tables_are_hdr = false;     // the FPGA's tables were calculated
+};
+Answer ReadMode(Device& device, PictureMode* mode);
+
+// "hdr10", "hlg" or "off"; the number of any other type.
+std::string ModeName(std::uint8_t type);
+
+// Chooses `type` and waits until the FPGA's switches say so. A type that is chosen already is
+// loaded once more all the same.
+Answer ChooseMode(Device& device, std::uint8_t type);
+
+}  // namespace ctl

@@ -1,0 +1,288 @@
+// Brightness plans of the client: as files, as tables, and their course.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <random>
+
+#include "brightness/check.h"
+#include "brightness/course.h"
+#include "brightness/draw.h"
+#include "brightness/file.h"
+#include "brightness/text.h"
+#include "brightness/words.h"
+#include "support/slow_mix.h"
+
+namespace quivord::brightness {
+namespace {
+
+std::string Example(const std::string& kind) {
+  std::ifstream file(QUIVORD_SOURCE_DIR "/examples/brightness-" + kind + ".json");
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+Plan Parsed(const std::string& text) {
+  const auto plan = ParsePlan(text);
+  EXPECT_TRUE(plan) << plan.error().text;
+  return plan ? plan.value() : Plan();
+}
+
+TEST(BrightnessPlan, ExamplesComeBackFromTheirTables) {
+  for (const char* kind : {"list", "sensor", "mix", "serial", "hardware"}) {
+    SCOPED_TRACE(kind);
+    const Plan plan = Parsed(Example(kind));
+    EXPECT_EQ(RowOf(plan.kind).word, std::string(kind));
+    const Bytes table = TableOf(plan);
+    EXPECT_EQ(TableSize(table), table.size());
+    const Plan back = PlanOf(table);
+    EXPECT_EQ(back, plan);
+    EXPECT_EQ(PlanJson(back).count("extra"), 0U);
+    EXPECT_EQ(Parsed(FileText(back)), plan);
+  }
+}
+
+TEST(BrightnessPlan, TableHasItsBytes) {
+  const Plan plan = Parsed(R"({"kind": "hardware", "gradual": false, "fallback": 45,
+    "nodes": [{"time": "08:05", "sensor": true, "days": ["sat", "mon"]},
+              {"time": "23:59", "percent": 60, "use": false}],
+    "sensors": [{"port": 3, "card": 258, "address": 4}],
+    "reading": {"interval_s": 300, "readings": 16}, "lux_map": [{"lux": 4660, "percent": 56}]})");
+  brightness_bytes::Mix mix{.mode = 0x9C,
+                            .nodes = {{8, 5, true, 0x21, 0}, {23, 59, false, 0x7F, 60, 0}},
+                            .sensors = {{0, 3, 258, 4}},
+                            .map = {{4660, 56}},
+                            .fallback = 45,
+                            .interval_s = 300,
+                            .readings = 16,
+                            .gradual = false};
+  EXPECT_EQ(TableOf(plan), mix.Bytes());
+  const Plan list = Parsed(R"({"kind": "list", "nodes": [
+    {"time": "08:05", "brightness": "60%", "ports": [0, 3],
+     "colours": {"red": 1, "green": 2, "blue": 3, "virtual_red": 4}}]})");
+  EXPECT_EQ(TableOf(list), brightness_bytes::List({{8, 5, 153, 9}}, true));
+  const Bytes sensor = TableOf(Parsed(Example("sensor")));
+  EXPECT_EQ(Bytes(sensor.begin(), sensor.begin() + 12),
+            (Bytes{0x7D, 1, 0, 0, 0, 0xE0, 0x2E, 20, 0, 255, 25, 16}));
+}
+
+// Whatever a device holds comes back byte for byte; through a file too, where a file may say it.
+TEST(BrightnessPlan, AnyTableComesBack) {
+  std::mt19937 random(5);
+  int written = 0;
+  for (int round = 0; round < 3000; ++round) {
+    Bytes table =
+        TableOf(Parsed(Example(std::array{"list", "sensor", "mix", "hardware"}[round % 4])));
+    for (unsigned changes = random() % 6; changes > 0; --changes) {
+      table[1 + random() % (table.size() - 1)] = static_cast<std::uint8_t>(random());
+    }
+    table.resize(TableSize(table));
+    const Plan plan = PlanOf(table);
+    ASSERT_EQ(TableOf(plan), table) << round;
+    const auto again = ParsePlan(PlanJson(plan).dump());
+    if (!again) continue;
+    ++written;
+    ASSERT_EQ(TableOf(again.value()), table) << round << PlanJson(plan).dump();
+  }
+  EXPECT_GT(written, 800);
+}
+
+TEST(BrightnessPlan, FaultsAreNamed) {
+  const struct {
+    const char* text;
+    const char* fault;
+  } cases[] = {
+      {"{", "not JSON"},
+      {R"({"kind": "other"})", "\"kind\" is list, sensor, mix, serial or hardware"},
+      {R"({"kind": 7})", "\"kind\" is a text"},
+      {R"({"kind": "list", "nodes": []})", "1 to 32 are needed"},
+      {R"({"kind": "list", "nodes": 3})", "\"nodes\" is a list"},
+      {R"({"kind": "list", "nodes": [{"time": "8:00", "brightness": 1, "ports": []}]})",
+       "\"time\" is a time"},
+      {R"({"kind": "list", "nodes": [{"time": "24:00", "brightness": 1, "ports": []}]})",
+       "\"time\" is a time"},
+      {R"({"kind": "list", "nodes": [{"time": "08:00", "brightness": 256, "ports": []}]})",
+       "\"brightness\" is 0 to 255"},
+      {R"({"kind": "list", "nodes": [{"time": "08:00", "brightness": "101%", "ports": []}]})",
+       "\"brightness\" is 0 to 255"},
+      {R"({"kind": "list", "nodes": [{"time": "08:00", "brightness": 1, "ports": [4]}]})",
+       "ports from 0 to 3"},
+      {R"({"kind": "list", "nodes": [
+           {"time": "08:00", "brightness": 1, "ports": [0],
+            "colours": {"red": 1, "green": 1, "blue": 1, "virtual_red": 1}},
+           {"time": "09:00", "brightness": 1, "ports": [0]}]})",
+       "\"colours\" each, or none"},
+      {R"({"kind": "list", "nodes": [{"time": "08:00", "brightness": 1, "ports": []},
+                                     {"time": "08:00", "brightness": 1, "ports": []}]})",
+       "node 1 (08:00) does not come after node 0"},
+      {R"({"kind": "sensor", "sensors": [], "dark": {"lux": 1, "brightness": 1},
+           "bright": {"lux": 2, "brightness": 2}, "steps": 4})",
+       "\"sensors\": 0, but 1 to 8"},
+      {R"({"kind": "sensor", "sensors": [{"port": 0, "card": 0, "address": 1}],
+           "dark": {"lux": 2, "brightness": 1}, "bright": {"lux": 2, "brightness": 2}, "steps": 4})",
+       "\"dark\" has as much lux"},
+      {R"({"kind": "sensor", "sensors": [{"position": 1, "port": 0, "card": 0, "address": 1}],
+           "dark": {"lux": 1, "brightness": 1}, "bright": {"lux": 2, "brightness": 2}, "steps": 4})",
+       "position 1, where no device reads one"},
+      {R"({"kind": "mix"})", "\"nodes\": 0, but 1 to 255"},
+      {R"({"kind": "mix", "nodes": [{"time": "08:00", "sensor": true}]})", "\"sensors\": 0"},
+      {R"({"kind": "mix", "nodes": [{"time": "08:00", "sensor": true}],
+           "sensors": [{"port": 0, "card": 0, "address": 1}]})",
+       "\"lux_map\": 0, but 1 to 32"},
+      {R"({"kind": "mix", "nodes": [{"time": "08:00", "sensor": true, "percent": 3}]})",
+       "no place beside \"sensor\""},
+      {R"({"kind": "mix", "nodes": [{"time": "08:00", "percent": 3, "days": ["day"]}]})",
+       "names days"},
+      {R"({"kind": "mix", "nodes": [{"time": "08:00", "percent": 3, "use": false}]})",
+       "no node is in use"},
+      {R"({"kind": "mix", "nodes": [{"time": "08:00", "percent": 3}],
+           "lux_map": [{"lux": 5, "percent": 1}, {"lux": 5, "percent": 2}]})",
+       "entry 1 has no more lux"},
+      {R"({"kind": "mix", "nodes": [{"time": "08:00", "percent": 3}], "reading":
+           {"interval_s": 1, "readings": 17}})",
+       "\"readings\" is a number from 0 to 16"},
+      {R"({"kind": "mix", "nodes": [{"time": "08:00", "percent": 3}],
+           "positions": {"nodes": 17}})",
+       "the nodes would lie on the header"},
+      {R"({"kind": "mix", "nodes": [{"time": "08:00", "percent": 3}],
+           "positions": {"fallback": 5118, "file_length": 5120}})",
+       "bytes, a device holds 5120"},
+      {R"({"kind": "mix", "nodes": [{"time": "08:00", "percent": 3}],
+           "positions": {"file_length": 30}})",
+       "the file's length of 30 does not hold"},
+      {R"({"kind": "mix", "nodes": [{"time": "08:00", "percent": 3}],
+           "extra": [{"at": 0, "bytes": "5b"}]})",
+       "\"extra\" changes the plan's kind"},
+      {R"({"kind": "mix", "nodes": [{"time": "08:00", "percent": 3}],
+           "extra": [{"at": 9, "bytes": "5"}]})",
+       "two digits a byte"},
+  };
+  for (const auto& test : cases) {
+    const auto plan = ParsePlan(test.text);
+    ASSERT_FALSE(plan) << test.text;
+    EXPECT_NE(plan.error().text.find(test.fault), std::string::npos) << plan.error().text;
+  }
+}
+
+TEST(BrightnessPlan, TooManyNodesDoNotFit) {
+  Plan plan = Parsed(Example("hardware"));
+  plan.nodes.clear();
+  for (int i = 0; i < 255; ++i) {
+    plan.nodes.push_back({static_cast<std::uint8_t>(brightness_bytes::Bcd(i / 60)),
+                          static_cast<std::uint8_t>(brightness_bytes::Bcd(i % 60)), false, 0x7F, 1,
+                          1});
+  }
+  Settle(plan);
+  EXPECT_EQ(Obstacle(plan), "");
+  EXPECT_EQ(PlanOf(TableOf(plan)), plan);
+}
+
+TEST(BrightnessWords, ReadAndWrite) {
+  const std::pair<int, const char*> days[] = {
+      {0x7F, "every day"}, {0xFF, "every day"},       {0x1F, "mon to fri"}, {0x60, "sat, sun"},
+      {0x00, "no day"},    {0x47, "mon to wed, sun"}, {0x05, "mon, wed"},
+  };
+  for (const auto& [mask, text] : days) EXPECT_EQ(DaysText(static_cast<std::uint8_t>(mask)), text);
+  EXPECT_EQ(ParseBrightness("60%"), 153);
+  EXPECT_EQ(ParseBrightness("255"), 255);
+  for (const char* word : {"", "%", "-1", "256", "101%", "1.5", "1e1", " 1"}) {
+    EXPECT_EQ(ParseBrightness(word), std::nullopt) << word;
+  }
+  EXPECT_EQ(WeekdayWarning(Parsed(Example("hardware"))), "");
+  EXPECT_NE(WeekdayWarning(Parsed(Example("mix"))).find("nodes 1 (06:00), 3 (12:00) do not"),
+            std::string::npos);
+}
+
+TEST(BrightnessCourse, StandsWhereTheClockIs) {
+  const Plan plan = Parsed(Example("mix"));
+  struct Case {
+    int day, hour, minute;  // of May 2026; the first is a Friday
+    std::size_t node;
+    bool today;
+    std::size_t next;
+    int in_min;
+  };
+  constexpr Case kCases[] = {
+      {1, 5, 59, 0, true, 1, 1},    {1, 6, 0, 1, true, 2, 90},  {1, 12, 0, 3, false, 4, 120},
+      {2, 0, 0, 7, true, 0, 30},    {2, 5, 0, 0, true, 2, 150}, {3, 11, 0, 2, true, 3, 60},
+      {31, 23, 30, 7, true, 0, 60},
+  };
+  for (const Case& c : kCases) {
+    table::Moment now;
+    now.year = 26;
+    now.month = 5;
+    now.day = static_cast<std::uint8_t>(c.day);
+    now.hour = static_cast<std::uint8_t>(c.hour);
+    now.minute = static_cast<std::uint8_t>(c.minute);
+    const auto standing = StandingAt(plan, now);
+    ASSERT_TRUE(standing.has_value());
+    EXPECT_EQ(standing->node, c.node) << c.day << " " << c.hour;
+    EXPECT_EQ(standing->today, c.today) << c.day << " " << c.hour;
+    EXPECT_EQ(standing->next, c.next) << c.day << " " << c.hour;
+    EXPECT_EQ(standing->next_in_min, c.in_min) << c.day << " " << c.hour;
+  }
+  EXPECT_FALSE(StandingAt(Parsed(Example("serial")), {}).has_value());
+}
+
+// The course of a week against the second form of the mix's rules, pass by pass of the loop.
+TEST(BrightnessCourse, AWeekAgreesWithTheLoop) {
+  const brightness_bytes::Mix mix{.nodes = {{0, 30, false, 0x7F, 6},
+                                            {6, 0, false, 0x1F, 30},
+                                            {12, 0, false, 0x60, 100},
+                                            {13, 0, false, 0x7F, 99, 0},
+                                            {18, 30, false, 0x55, 60},
+                                            {23, 0, false, 0x7F, 20}}};
+  const Course course = CourseOf(PlanOf(mix.Bytes()), 0, kWeekDays, 1);
+  constexpr std::int64_t kMonday_s = 1'777'852'800;  // 4 May 2026
+  constexpr std::int64_t kMinute_us = 60'000'000;
+  SlowMix loop(mix, (kMonday_s - 7 * 86'400) * 1'000'000);
+  int value = -1;
+  for (int minute = 0; minute < kWeekDays * kDayMinutes; ++minute) {
+    // Some seconds after the full minute a change has come, and its ramp is over.
+    const std::int64_t look = kMonday_s * 1'000'000 + minute * kMinute_us + 30'000'000;
+    while (loop.time_us() < look) {
+      const auto sent = loop.Pass("0");
+      if (!sent.empty()) value = sent.back();
+    }
+    const Minute& now = course.minutes[static_cast<std::size_t>(minute)];
+    ASSERT_EQ(now.value[0], value) << "minute " << minute;
+  }
+  const auto& first = course.arrivals.front();
+  EXPECT_EQ(first.minute, 30);
+  EXPECT_NEAR(first.ramp_s, 0.05 * (51 - 15), 1e-9);
+}
+
+TEST(BrightnessCourse, FollowsTheLightWhereASensorLeads) {
+  const Course course = CourseOf(Parsed(Example("mix")), 4, 1, 30'000);  // a Friday
+  const auto at = [&](int hour) {
+    return course.minutes[static_cast<std::size_t>(hour * 60)].value[0];
+  };
+  EXPECT_EQ(at(7), 76);
+  EXPECT_EQ(course.minutes[13 * 60].source, Source::kSensor);
+  EXPECT_EQ(at(13), 255);
+  EXPECT_GT(*at(9), *at(8));
+  const Course sensor = CourseOf(Parsed(Example("sensor")), 0, 1, 12'000);
+  EXPECT_EQ(sensor.minutes[0].value[0], 25);
+  EXPECT_EQ(sensor.minutes[13 * 60].value[0], 255);
+  EXPECT_NE(CourseObstacle(Parsed(Example("serial"))), "");
+}
+
+TEST(BrightnessPicture, IsDrawnForEveryKind) {
+  const std::filesystem::path folder = std::getenv("QUIVORD_BOARD");
+  std::filesystem::create_directories(folder);
+  for (const char* kind : {"list", "sensor", "mix", "hardware"}) {
+    const Plan plan = Parsed(Example(kind));
+    for (const int days : {1, kWeekDays}) {
+      const Course course = CourseOf(plan, 0, days, NoonOf(plan));
+      const auto file = folder / "picture.svg";
+      ASSERT_EQ(Draw(plan, course, {file, draw::Format::kSvg, 1}), "") << kind;
+      EXPECT_GT(std::filesystem::file_size(file), 10'000U) << kind;
+    }
+  }
+  const Plan plan = Parsed(Example("mix"));
+  const Course course = CourseOf(plan, 0, 1, NoonOf(plan));
+  EXPECT_NE(Draw(plan, course, {folder / "no" / "picture.png"}), "");
+}
+
+}  // namespace
+}  // namespace quivord::brightness
