@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "board/envstore.h"
+#include "process/tprocess_ctl.h"
 #include "proto/calc_curves.h"
 #include "proto/data_common_tables.h"
 #include "stub/mcuqmbthread.h"
@@ -123,6 +124,35 @@ std::vector<sweep::Region> GammaRegions() {
   return regions;
 }
 
+// A factory reset up to where the reboot would come.
+void Reset(const char* type) {
+  Write(0x01000002, type);
+  ZEPH_MCUC::Tprocess_ctl::getInstance()->RebootAfterRF();
+}
+
+// Model, serial number and MAC address.
+void WriteIdentity() {
+  Write(0x00000002, "2b1a");
+  Write(0x00000000, std::string(512, '7').c_str());
+  Write(0x0000003D, "00021122334455");
+}
+
+// Two configuration files, of which one goes to the cards.
+void UploadAndReplay() {
+  std::string header = "0102";
+  header.resize(72, '0');
+  header += "00200000" + std::string(56, '0') + "00300000";
+  const std::string file = "01" + std::string(62, '0') +
+                           "0100000200000100"
+                           "99";
+  Write(0x0F000000, header.c_str());
+  Write(0x0F000800, "616200");
+  Write(0x0F002000, file.c_str());
+  Write(0x0F002029, "a1a2a3");
+  Write(0x0F003000, file.c_str());
+  Write(0x0FF00100, "01");
+}
+
 const Operation kOperations[] = {
     {.name = "feature",
      .prepare = [] { device::PutFlash(0x2400, "28"); },
@@ -174,6 +204,20 @@ const Operation kOperations[] = {
      .act = [] { Write(0x02200117, "58"); },
      .regions = {{0xC21000, 10}}},
     {.name = "gamma", .prepare = [] {}, .act = UploadGamma, .regions = GammaRegions()},
+    // A reset prepares a store beside the live one, which stays as it is until the reboot.
+    {.name = "resetnetwork", .prepare = [] {}, .act = [] { Reset("01"); }, .regions = {}},
+    {.name = "resetkeeping", .prepare = [] {}, .act = [] { Reset("02"); }, .regions = {}},
+    {.name = "identity",
+     .prepare = [] { device::PutFlash(0x1000, std::string(512, '1').c_str()); },
+     .act = WriteIdentity,
+     .regions = {{0x1002, 2, 3}, {0x1016, 8, 3}, {0x103D, 7, 3}},
+     // The area is written as it was read: what can't be read is lost.
+     .lasting = {"once:flash-read:1", "once:flash-read:2", "once:flash-read:3",
+                 "forever:flash-read"}},
+    {.name = "cardfiles",
+     .prepare = [] {},
+     .act = UploadAndReplay,
+     .regions = {{0xE00000, 72}, {0xE00800, 3}, {0xE02000, 41}, {0xE02029, 3}, {0xE03000, 41}}},
 };
 
 class Sweep : public testing::TestWithParam<Operation> {};

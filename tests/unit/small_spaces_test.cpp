@@ -1,0 +1,163 @@
+// The spaces that do little more than move bytes: software table, screen info echo, backup info,
+// card program.
+#include <gtest/gtest.h>
+
+#include "board/faults.h"
+#include "support/device.h"
+#include "support/inprocess.h"
+#include "support/trace.h"
+
+namespace {
+
+using namespace ZEPH_MCUC;
+using board::Fault;
+using board::SetFaultCount;
+using device::Global;
+using Data = std::vector<std::uint8_t>;
+
+// Writes and carries out; what that reached.
+std::string Written(std::uint32_t address, const Data& data) {
+  support::Trace trace;
+  EXPECT_EQ(inprocess::Write(address, data).m_ucAck, 0);
+  inprocess::DrainQueue();
+  return trace.Take();
+}
+
+TEST(SmallSpaces, WritesReachTheirFlashAndReadBack) {
+  struct Case {
+    std::uint32_t address;
+    std::size_t length;
+    const char* trace;
+  };
+  constexpr Case kCases[] = {
+      {0x05000000, 1, "flash W 0xc30000 07\n"},
+      {0x0500FFFE, 2, "flash W 0xc3fffe 0707\n"},
+      {0x05060000, 300, "flash W 0xc90000 x256\nflash W 0xc90100 x44\n"},
+      {0x02300000, 2, "flash W 0xb98000 0707\nshell sync\n"},
+      {0x02300FFF, 1, "flash W 0xb98fff 07\nshell sync\n"},
+  };
+  device::Begin("flash shell");
+  for (const Case& c : kCases) {
+    EXPECT_EQ(Written(c.address, Data(c.length, 7)), c.trace) << std::hex << c.address;
+    const auto length = static_cast<std::uint16_t>(c.length);
+    EXPECT_EQ(inprocess::Read(c.address, length).m_data, Data(c.length, 7));
+  }
+  EXPECT_EQ(Written(0x02300FFF, Data(2)), "") << "the byte behind it is another space's";
+}
+
+TEST(SmallSpaces, FailuresAreLoggedAndAReadGivesNoData) {
+  struct Case {
+    std::uint32_t address;
+    Fault fault;
+    const char* log;
+  };
+  constexpr Case kCases[] = {
+      {0x05000000, Fault::kFlashRead,
+       "Error === ReadFromSoftwareTable ===Read Bytes From Flash Failed. DriverRet = -1\n"},
+      {0x05000000, Fault::kFlashWrite,
+       "Error === WriteToSoftwareTable ===Write to Page Program Failed. DriverRet = -1\n"},
+      {0x02300000, Fault::kFlashRead,
+       "Error === ReadFromBackupInfo ===Read backup info flash failed. ret = -1\n"},
+      {0x02300000, Fault::kFlashWrite,
+       "Error === WriteToBackupInfo ===Write backup info to flash failed. ret = -1\n"},
+  };
+  device::Begin("shell");
+  device::Log log(0);
+  for (const Case& c : kCases) {
+    SetFaultCount(c.fault, 3);
+    if (c.fault == Fault::kFlashWrite) {
+      Written(c.address, Data(1));
+    } else {
+      const auto reply = inprocess::Read(c.address, 1);
+      EXPECT_EQ(reply.m_ucAck, 0);
+      EXPECT_TRUE(reply.m_data.empty());
+    }
+    EXPECT_EQ(log.Take(), c.log);
+  }
+}
+
+TEST(SoftwareTable, WriteBelowTheSlaveMarkMarksTheScreenAsConfigured) {
+  device::Begin("none");
+  for (const auto& [address, status] :
+       {std::pair{0x05064FFFU, 200}, {0x05065000U, 0}, {0x0506FFFFU, 0}, {0x05000000U, 200}}) {
+    Global().LEDConfigStatus = 0;
+    Written(address, Data(1));
+    EXPECT_EQ(Global().LEDConfigStatus, status) << std::hex << address;
+  }
+}
+
+TEST(SoftwareTable, OneByteAtTheSignalAsksTheVideoApplication) {
+  device::Begin("flash bus");
+  device::PutFlash(0xC3FFFF, "3132");
+  support::Trace trace;
+  EXPECT_EQ(inprocess::Read(0x0500FFFF, 1).m_data, Data{200});
+  EXPECT_EQ(trace.Take(), "kye 0x02810000 c8\n");
+  EXPECT_EQ(inprocess::Read(0x0500FFFF, 2).m_data, (Data{0x31, 0x32}));
+  EXPECT_EQ(trace.Take(), "flash R 0xc3ffff x2\n");
+}
+
+// --- Screen info echo ---------------------------------------------------------------------------
+
+TEST(ScreenInfoEcho, ReadAsksTheFirstCardForItsSize) {
+  device::Begin("card", "card.width = 96\n");
+  struct Case {
+    std::uint16_t links;
+    int failing;  // card reads
+    const char* size;
+    int asked;
+  };
+  constexpr Case kCases[] = {
+      {1, 0, "60008000", 1}, {1, -1, "80008000", 1}, {0, 0, "80008000", 0}, {1, 0, "60008000", 1}};
+  for (const Case& c : kCases) {
+    Global().GigaPhyLinkSta = c.links;
+    SetFaultCount(Fault::kCardRead, c.failing);
+    support::Trace trace;
+    EXPECT_EQ(device::Hex(inprocess::Read(0x02100006, 4).m_data), c.size);
+    EXPECT_GE(support::Count(trace.Take(), "card R"), c.asked);
+  }
+}
+
+TEST(ScreenInfoEcho, ReadEndsWithTheParametersAndWriteWithTheThirtySecond) {
+  device::Begin("flash");
+  EXPECT_EQ(inprocess::Read(0x02100000, 392).m_data.size(), 392U);
+  EXPECT_EQ(inprocess::Read(0x02100000, 1024).m_data.size(), 392U);
+  EXPECT_EQ(inprocess::Read(0x021000FF, 392).m_data.size(), 392U - 255);
+  EXPECT_EQ(inprocess::Read(0x02100000, 1025).m_ucAck, 4);
+  EXPECT_EQ(Written(0x0210001E, inprocess::Bytes("a1a2a3a4")), "");
+  EXPECT_EQ(device::Hex(inprocess::Read(0x0210001D, 5).m_data), "00a1a20000");
+  Written(0x02100020, inprocess::Bytes("b1"));
+  Written(0x021000FF, inprocess::Bytes("b1b2"));
+  Written(0x02100100, inprocess::Bytes("c1"));  // the low 8 bits count
+  EXPECT_EQ(device::Hex(inprocess::Read(0x02100020, 1).m_data), "00");
+  EXPECT_EQ(device::Hex(inprocess::Read(0x02100000, 1).m_data), "c1");
+}
+
+// --- Card program
+// ---------------------------------------------------------------------------------
+
+TEST(CardProgram, ReadsZerosAndRefusesTheRest) {
+  struct Case {
+    std::uint32_t address;
+    bool write;
+    std::uint16_t length;
+    int ack;
+    std::size_t bytes;
+  };
+  constexpr Case kCases[] = {
+      {0x18000000, false, 256, 0, 256}, {0x18200000, false, 4096, 0, 4096},
+      {0x18001000, false, 300, 0, 300}, {0x18000000, false, 255, 4, 0},
+      {0x18000000, false, 4097, 4, 0},  {0x18000001, false, 256, 4, 0},
+      {0x18000000, true, 256, 4, 0},    {0x18201000, true, 4096, 4, 0},
+      {0x18000000, true, 255, 4, 0},
+  };
+  device::Begin("none");
+  for (const Case& c : kCases) {
+    const auto reply = c.write ? inprocess::Write(c.address, Data(c.length))
+                               : inprocess::Read(c.address, c.length);
+    EXPECT_EQ(reply.m_ucAck, c.ack) << std::hex << c.address << " " << c.length;
+    EXPECT_EQ(reply.m_data, Data(c.bytes));
+  }
+  EXPECT_EQ(inprocess::DrainQueue(), 0);
+}
+
+}  // namespace
