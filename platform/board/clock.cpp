@@ -15,9 +15,9 @@ namespace board {
 namespace {
 
 constexpr std::int64_t kMicroseconds = 1000000;
-// A thread that has nothing to do looks again after so long. Waits up to that are not divided, save
-// those that carry the board's time: the sooner looks would find nothing and keep the PC busy.
-constexpr std::uint64_t kIdle_us = 1000;
+// Shorter waits are a thread's looks for work. They are not divided, save those that carry the
+// board's time: the sooner looks would find nothing and keep the PC busy.
+constexpr std::uint64_t kShortestDivided_us = 1000;
 
 thread_local bool t_keeps_time = false;
 
@@ -75,8 +75,8 @@ namespace platform {
 
 void SleepMicroseconds(std::uint64_t microseconds) {
   const std::uint64_t speed = board::Config().speed;
-  const bool idle = microseconds <= board::kIdle_us && !board::t_keeps_time;
-  if (speed == 1 || idle) {
+  const bool look = microseconds < board::kShortestDivided_us && !board::t_keeps_time;
+  if (speed == 1 || look) {
     board::WaitOnPc(microseconds);
   } else {
     board::WaitOnPc((microseconds + speed - 1) / speed);

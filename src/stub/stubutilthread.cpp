@@ -11,7 +11,7 @@ namespace ZEPH_MCUC {
 namespace {
 
 constexpr uint64_t kBusyPause_us = 100;
-constexpr uint64_t kIdlePause_us = 1000;
+constexpr uint64_t kIdlePause_us = 990;  // a look for work, not a wait that a board's speed shortens
 constexpr auto kBusyFor = std::chrono::seconds(1);
 
 int32_t Failed(const char* owner, const char* call, const char* what, int code) {

@@ -1,0 +1,127 @@
+// What is read back from flash may be anything: an older program's, torn by a cut, never written.
+// One program a stored format (`QUIVORD_FORMAT`): the input lies where the format lies in the live
+// store, what is around it is as in a new store, and the daemon reads it as it does at start and at
+// a client's request.
+#include <algorithm>
+#include <string_view>
+
+#include "process/inputSource.h"
+#include "proto/calc_flashmap.h"
+#include "proto/data_common.h"
+#include "support/inprocess.h"
+#include "world.h"
+
+using namespace ZEPH_MCUC;
+
+namespace {
+
+struct Piece {
+  std::uint32_t address;
+  std::size_t length;
+};
+
+struct Format {
+  const char* name;
+  Piece pieces[5];  // the input fills them one behind the other; a length of 0 ends them
+  void (*readBack)();
+};
+
+// As a start does it once the FPGA has loaded.
+void Restore() {
+  Data_Global* const global = Data_Global::getInstance();
+  global->FpgaOnlineFlag = 1;
+  global->RestoreFPGA();
+}
+
+void Write(std::uint32_t address, const char* hex) {
+  inprocess::Write(address, inprocess::Bytes(hex));
+  inprocess::DrainQueue();
+}
+
+// The parameter image and the tables of positions and numbers.
+void ReadImage() {
+  Restore();
+  inprocess::Read(0x02000000, 512);
+  inprocess::Read(0x03000000, 1024);
+  inprocess::Read(0x03100000, 768);
+}
+
+// The records of layouts, simple and advanced.
+void ReadShortcut() {
+  Restore();
+  inprocess::Read(0x02810000, 256);
+  Write(0x02810000, "b9");
+}
+
+void ReadSettings() {
+  InputSource* const inputs = InputSource::getInstance();
+  inputs->InputBoardInit();
+  u8 edid[256];
+  for (u8 group = 0; group < 16; ++group) inputs->ReadEDIDInfo(group, edid);
+}
+
+// A gamma set by its tags, and the modes that choose what is loaded.
+void ReadGamma() {
+  for (const char* mode : {"00", "58", "59"}) Write(0x02200117, mode);
+  inprocess::Read(0x0E000000, 4);
+}
+
+void ReadIdentity() {
+  Data_Global* const global = Data_Global::getInstance();
+  global->SNTransfer();
+  global->ReadHardwareInfo();
+  inprocess::Read(0x00000000, 256);
+  Write(0x00000016, "3132333435363738");
+}
+
+// Headers and packs of files for the cards, found and sent.
+void ReadCardFiles() {
+  inprocess::Read(0x0F000000, 1024);
+  inprocess::Read(0x0F002000, 64);
+  for (const char* number : {"00", "01", "0f"}) Write(0x0FF00100, number);
+}
+
+constexpr Format kFormats[] = {
+    {"image",
+     {{flash::kFeature, 512},
+      {flash::kPosition, 40960},
+      {flash::kNumber, 768},
+      {flash::kScreenSize, 0x60},
+      {flash::kMorSMode, 1}},
+     ReadImage},
+    {"shortcut", {{flash::kShortcut, 0x1000}}, ReadShortcut},
+    {"settings", {{flash::kEdidRecord, 0x100}}, ReadSettings},
+    {"gamma",
+     {{flash::kGamma, 4},
+      {0xD01000, 4},
+      {0xD02000, 4},
+      {flash::kHCInteraction, 0x200},
+      {0xD03000, 0x6000}},
+     ReadGamma},
+    {"identity", {{flash::kBasicInfo, 0x100}, {flash::kBasicInfoCopy, 0x100}}, ReadIdentity},
+    {"storedfiles", {{flash::kCardFiles, 0x4000}}, ReadCardFiles},
+};
+
+constexpr const Format& Chosen() {
+  for (const Format& format : kFormats) {
+    if (std::string_view(format.name) == QUIVORD_FORMAT) return format;
+  }
+  return kFormats[0];
+}
+static_assert(std::string_view(Chosen().name) == QUIVORD_FORMAT);
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  constexpr const Format& kFormat = Chosen();
+  world::Bytes rest(data, size);
+  for (const Piece& piece : kFormat.pieces) {
+    if (piece.length == 0) break;
+    world::ResetStore(piece.address, piece.length);
+    const std::size_t taken = std::min(rest.size(), piece.length);
+    world::PutStore(piece.address, rest.first(taken));
+    rest = rest.subspan(taken);
+  }
+  kFormat.readBack();
+  return 0;
+}

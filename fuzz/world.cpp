@@ -1,0 +1,131 @@
+#include "world.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "board/board.h"
+#include "board/stores.h"
+#include "mcuctrace.h"
+#include "stub/startup.h"
+#include "support/inprocess.h"
+
+namespace world {
+namespace {
+
+using namespace ZEPH_MCUC;
+
+int g_sent = 0;
+
+std::filesystem::path MakeFolder() {
+  std::string name =
+      (std::filesystem::is_directory("/dev/shm") ? std::filesystem::path("/dev/shm")
+                                                 : std::filesystem::temp_directory_path()) /
+      "quivord-fuzz-XXXXXX";
+  if (mkdtemp(name.data()) == nullptr) {
+    std::perror(name.c_str());
+    std::exit(1);
+  }
+  static const std::string made = name;
+  std::atexit([] {
+    std::error_code ignored;
+    std::filesystem::remove_all(made, ignored);
+  });
+  return made;
+}
+
+// Every message that leaves is one envelope and one whole frame.
+void CheckSent(const std::uint8_t* message, std::uint32_t length) {
+  Want(length > kEnvelopeSize);
+  const std::uint8_t* const frame = message + kEnvelopeSize;
+  const auto size = static_cast<std::int32_t>(length - kEnvelopeSize);
+  Flabel_t label;
+  std::copy_n(message + sizeof(ihead_t), sizeof(label), reinterpret_cast<std::uint8_t*>(&label));
+  ThirdProtoMCUCMsg decoded;
+  Want(label.size == size);
+  Want(MCUCMsg::Checkout(frame, size));
+  Want(decoded.Decode(frame, size) == 0);
+  ++g_sent;
+}
+
+McuQMBThread& Front() {
+  static auto* const front = new McuQMBThread(
+      [](QMB_proto3rd* msg) { return StubUtil::getInstance()->onDataRecvFromQMBNew(msg); },
+      [] { return false; });
+  return *front;
+}
+
+int LiveStore() {
+  static const int file = open(board::StorePath(board::Store::kLive).c_str(), O_RDWR | O_CLOEXEC);
+  return file;
+}
+
+}  // namespace
+
+void Start() {
+  static const bool started = [] {
+    setenv("QUIVORD_BOARD", MakeFolder().c_str(), 1);
+    setenv("TZ", "UTC", 1);
+    g_logLevel = kLogNothing;
+    board::CreateStores();
+    inprocess::Start();
+    return true;
+  }();
+  static_cast<void>(started);
+}
+
+int Deliver(Bytes frame) {
+  Start();
+  // A block of its own size, so that a read past its end is seen.
+  const std::vector<std::uint8_t> bytes(frame.begin(), frame.end());
+  ihead_t head{};
+  head.ui_id = 0x7E0002;
+  Flabel_t label{};
+  label.label.large = LABEL_MSG;
+  label.label.small = LABEL_MSG_LOCAL;
+  label.size = static_cast<std::int32_t>(bytes.size());
+  g_sent = 0;
+  Front().dealDataBlockNew(&head, &label, bytes.data());
+  return g_sent;
+}
+
+void PutStore(std::uint32_t address, Bytes bytes) {
+  Start();
+  Want(pwrite(LiveStore(), bytes.data(), bytes.size(), address) ==
+       static_cast<ssize_t>(bytes.size()));
+}
+
+void ResetStore(std::uint32_t address, std::size_t length) {
+  Start();
+  static const std::string fresh = board::FactoryImage();
+  PutStore(address, {reinterpret_cast<const std::uint8_t*>(fresh.data()) + address, length});
+}
+
+void PutEnvironment(Bytes text) {
+  Start();
+  std::ofstream file(board::Folder() / "usr/zeph/etc/envcfg/env", std::ios::binary);
+  file.write(reinterpret_cast<const char*>(text.data()), static_cast<std::streamsize>(text.size()));
+}
+
+}  // namespace world
+
+// What the link puts in the place of the platform's functions (see CMakeLists.txt): no wait waits,
+// no command runs, and what is sent is looked at.
+extern "C" {
+
+void __wrap__ZN8platform17SleepMicrosecondsEm(std::uint64_t) {}
+int __wrap__ZN8platform8RunShellEPKc(const char*) { return 0; }
+std::FILE* __wrap__ZN8platform9OpenShellEPKc(const char*) { return nullptr; }
+int __wrap__ZN8platform10CloseShellEP8_IO_FILE(std::FILE*) { return 0; }
+
+std::int32_t __wrap_mbus_send(std::uint32_t, const void* message, std::uint32_t length) {
+  world::CheckSent(static_cast<const std::uint8_t*>(message), length);
+  return 0;
+}
+}
