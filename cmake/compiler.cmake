@@ -17,6 +17,21 @@ if(QUIVORD_SANITIZE)
   endif()
 endif()
 
+# What makes a fault harder to exploit; scripts/check-hardening looks whether it is in the programs.
+# Sanitizers bring checks of their own.
+include(CheckPIESupported)
+check_pie_supported()
+if(NOT QUIVORD_SANITIZE)
+  add_compile_options(-fstack-protector-strong -fstack-clash-protection
+                      $<$<NOT:$<CONFIG:Debug>>:-D_FORTIFY_SOURCE=2>)
+  if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
+    add_compile_options(-fcf-protection=full)
+  elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "aarch64|arm64")
+    add_compile_options(-mbranch-protection=standard)
+  endif()
+  add_link_options(-Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack)
+endif()
+
 find_program(CCACHE ccache)
 if(CCACHE)
   set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})

@@ -12,6 +12,7 @@
 
 #include "board/board.h"
 #include "board/faults.h"
+#include "support/run.h"
 
 namespace board_kit {
 
@@ -61,7 +62,7 @@ inline Ran RunCommand(const std::string& command) {
 
 // Runs the board program with these arguments.
 inline Ran RunTool(const std::string& arguments) {
-  return RunCommand(QUIVORD_BUILD_DIR "/quivord-board " + arguments);
+  return RunCommand(support::Built("quivord-board") + " " + arguments);
 }
 
 // The lines of the trace so far, without their times.

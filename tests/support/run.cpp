@@ -7,6 +7,7 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <system_error>
 
 #include "support/process.h"
@@ -77,5 +78,12 @@ RunResult Run(const std::vector<std::string>& command, const std::vector<std::st
 }
 
 std::string Built(const std::string& program) { return QUIVORD_BUILD_DIR "/" + program; }
+
+std::string Source(const std::string& file) { return QUIVORD_SOURCE_DIR "/" + file; }
+
+int FromEnvironment(const char* name, int otherwise) {
+  const char* const text = std::getenv(name);
+  return text == nullptr ? otherwise : std::atoi(text);
+}
 
 }  // namespace support

@@ -19,7 +19,12 @@ RunResult Run(const std::vector<std::string>& command,
               const std::vector<std::string>& environment = {},
               std::chrono::milliseconds limit = std::chrono::seconds(30));
 
-// The path of a program of this build.
+// The path of a program of this build, and of a file of the sources.
 std::string Built(const std::string& program);
+std::string Source(const std::string& file);
+
+// The number in an environment variable, by which a script asks for a longer run; `otherwise` where
+// it isn't set.
+int FromEnvironment(const char* name, int otherwise);
 
 }  // namespace support

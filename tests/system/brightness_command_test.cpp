@@ -32,7 +32,7 @@ std::vector<json> Objects(const std::vector<std::string>& arguments) {
 }
 
 std::string Example(const std::string& kind) {
-  return QUIVORD_SOURCE_DIR "/examples/brightness-" + kind + ".json";
+  return support::Source("examples/brightness-" + std::string(kind) + ".json");
 }
 
 class BrightnessCommand : public testing::Test {

@@ -153,6 +153,17 @@ void UploadAndReplay() {
   Write(0x0FF00100, "01");
 }
 
+// A client's EDID for 1280 by 720 at 60 Hz, of which the preferred timing counts; the input boards
+// are looked for first.
+void WriteEdid() {
+  inprocess::Read(0x08000000, 1);
+  std::vector<std::uint8_t> image(128);
+  const auto timing = inprocess::Bytes("01 1D 00 72 51 D0 1E 20");
+  std::copy(timing.begin(), timing.end(), image.begin() + 54);
+  inprocess::Write(0x08000000, image);
+  inprocess::DrainQueue();
+}
+
 const Operation kOperations[] = {
     {.name = "feature",
      .prepare = [] { device::PutFlash(0x2400, "28"); },
@@ -214,6 +225,12 @@ const Operation kOperations[] = {
      // The area is written as it was read: what can't be read is lost.
      .lasting = {"once:flash-read:1", "once:flash-read:2", "once:flash-read:3",
                  "forever:flash-read"}},
+    {.name = "edid",
+     .prepare = [] {},
+     .act = WriteEdid,
+     .regions = {{0x200000, 72}},
+     // The modes of all groups lie in one record: what can't be read is as in an empty one.
+     .lasting = {}},
     {.name = "cardfiles",
      .prepare = [] {},
      .act = UploadAndReplay,

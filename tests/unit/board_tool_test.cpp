@@ -12,6 +12,7 @@
 #include "board/files.h"
 #include "board/power.h"
 #include "support/board_kit.h"
+#include "support/run.h"
 
 namespace board {
 namespace {
@@ -142,7 +143,7 @@ TEST(BoardTool, PowerUpClearsCellsButForTheStatus) {
 // A folder with a copy of the board program and a script in the daemon's place.
 std::string WithDaemon(const std::string& script) {
   Put("kit/quivord", "");
-  fs::copy_file(QUIVORD_BUILD_DIR "/quivord-board", Named() / "kit/quivord-board");
+  fs::copy_file(support::Built("quivord-board"), Named() / "kit/quivord-board");
   PutProgram("kit/quivord", "cd \"$QUIVORD_BOARD\"\n" + script);
   return (Named() / "kit/quivord-board").string() + " run " + Named().string();
 }

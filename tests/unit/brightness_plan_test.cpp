@@ -12,13 +12,14 @@
 #include "brightness/file.h"
 #include "brightness/text.h"
 #include "brightness/words.h"
+#include "support/run.h"
 #include "support/slow_mix.h"
 
 namespace quivord::brightness {
 namespace {
 
 std::string Example(const std::string& kind) {
-  std::ifstream file(QUIVORD_SOURCE_DIR "/examples/brightness-" + kind + ".json");
+  std::ifstream file(support::Source("examples/brightness-" + std::string(kind) + ".json"));
   return {std::istreambuf_iterator<char>(file), {}};
 }
 

@@ -8,6 +8,7 @@
 #include "cardfiles/image.h"
 #include "support/device.h"
 #include "support/inprocess.h"
+#include "support/run.h"
 
 namespace {
 
@@ -101,7 +102,7 @@ TEST(Description, FaultNamesItsLine) {
 }
 
 TEST(Description, ExampleIsOne) {
-  std::ifstream file(QUIVORD_SOURCE_DIR "/examples/card-file.txt");
+  std::ifstream file(support::Source("examples/card-file.txt"));
   const std::string text{std::istreambuf_iterator<char>(file), {}};
   const auto bytes = Compile(text, OneFile);
   ASSERT_TRUE(bytes) << bytes.error().text;

@@ -7,7 +7,7 @@
 namespace {
 
 std::string Page(const std::string& name) {
-  return board::ReadWhole(QUIVORD_SOURCE_DIR "/docs/" + name).value_or("");
+  return board::ReadWhole(support::Source("docs/" + name)).value_or("");
 }
 
 std::string Printed(const std::vector<std::string>& options) {

@@ -1,0 +1,82 @@
+#include "support/rough_peer.h"
+
+#include <random>
+#include <thread>
+
+#include "stub/frame_layout.h"
+#include "support/raw_peer.h"
+
+namespace rough {
+namespace {
+
+using namespace std::chrono_literals;
+using support::Bytes;
+using support::RawPeer;
+
+constexpr std::uint32_t kFirstPeer = 0x7E0200;
+
+Bytes ReadFrame(std::uint32_t address, std::uint16_t length) {
+  ZEPH_MCUC::FrameHead head;
+  head.registerAddress = address;
+  head.dataLength = length;
+  Bytes frame(static_cast<std::size_t>(ZEPH_MCUC::FrameSize(0)));
+  ZEPH_MCUC::WriteFrame(head, {}, frame.data());
+  return frame;
+}
+
+Bytes RandomBytes(std::mt19937& random, std::size_t most) {
+  Bytes bytes(1 + random() % most);
+  for (std::uint8_t& byte : bytes) byte = static_cast<std::uint8_t>(random());
+  return bytes;
+}
+
+Bytes Garbage(std::mt19937& random, std::uint32_t id) {
+  switch (random() % 4) {
+    case 0:
+      return RandomBytes(random, 60);
+    case 1:
+      return support::Message(RandomBytes(random, 200), id, 0, random());
+    case 2:
+      return support::Message(RandomBytes(random, 3000), id);
+    default: {
+      Bytes frame = ReadFrame(0x02000000, 512);
+      frame[random() % frame.size()] ^= static_cast<std::uint8_t>(1 + random() % 255);
+      frame[ZEPH_MCUC::frame::kCode] &= 0xFE;  // never a write, whatever the sum says
+      return support::Message(frame, id);
+    }
+  }
+}
+
+}  // namespace
+
+void SendGarbage(const std::filesystem::path& board, unsigned seed, const More& more) {
+  std::mt19937 random(seed);
+  while (more()) {
+    RawPeer peer(board, kFirstPeer);
+    for (int i = 0; i < 50 && peer.Send(Garbage(random, kFirstPeer)); ++i) peer.Receive(1ms);
+  }
+}
+
+void ComeAndGo(const std::filesystem::path& board, unsigned seed, const More& more) {
+  std::mt19937 random(seed);
+  while (more()) {
+    const auto id = kFirstPeer + 1 + static_cast<std::uint32_t>(random() % 50);
+    RawPeer peer(board, id);
+    for (auto left = random() % 30; left > 0; --left) {
+      peer.Send(support::Message(ReadFrame(0x02000000, 512), id));
+    }
+    std::this_thread::sleep_for(std::chrono::microseconds(random() % 3000));
+  }
+}
+
+void Stall(const std::filesystem::path& board, unsigned, const More& more) {
+  constexpr std::uint32_t kId = kFirstPeer + 60;
+  RawPeer peer(board, kId);
+  while (more()) {
+    for (int i = 0; i < 1500; ++i) peer.Send(support::Message(ReadFrame(0x02810000, 1000), kId));
+    std::this_thread::sleep_for(100ms);
+    while (peer.Receive(20ms)) continue;
+  }
+}
+
+}  // namespace rough

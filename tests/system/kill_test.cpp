@@ -1,0 +1,83 @@
+// The daemon ends by SIGKILL at random instants while a client writes; it comes back within its
+// documented start, each setting as it was or as it was written, and shows what it has stored.
+// QUIVORD_SOAK_KILLS says how often; scripts/soak sets it.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <random>
+#include <thread>
+
+#include "board/power.h"
+#include "support/device.h"
+#include "support/model_peer.h"
+#include "support/ready_daemon.h"
+#include "support/run.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using Bytes = std::vector<std::uint8_t>;
+
+constexpr std::uint32_t kStored = 0xA3B100;
+constexpr auto kStart = 5s;  // at most; two seconds of it are waits on a board at speed 1
+
+Bytes Stored() { return inprocess::Bytes(device::Flash(kStored, model::kRegisters).c_str()); }
+
+// Writes plain registers until the connection ends, each noted in front of its request.
+void WriteUntilItDies(quivord::Client& client, const model::Window& window, model::Random& random,
+                      model::Registers& registers) {
+  while (true) {
+    const auto& stretches = window.stretches;
+    const model::Stretch stretch = stretches[random() % stretches.size()];
+    Bytes data(stretch.end - stretch.begin);
+    for (std::uint8_t& byte : data) byte = static_cast<std::uint8_t>(random());
+    registers.Write(stretch.begin, data);
+    const auto reply = client.Call({.operation = quivord::Operation::kWrite,
+                                    .address = model::kFeatures + stretch.begin,
+                                    .data = data},
+                                   10s);
+    if (!reply) return;
+  }
+}
+
+model::Registers Owned(const model::Window& window, const Bytes& page) {
+  model::Registers registers;
+  for (const model::Stretch& stretch : window.stretches) {
+    for (std::uint32_t at = stretch.begin; at < stretch.end; ++at) registers.Own(at, page[at]);
+  }
+  return registers;
+}
+
+TEST(Kill, AtAnyInstantNoSettingIsLost) {
+  const int kills = support::FromEnvironment("QUIVORD_SOAK_KILLS", 10);
+  const unsigned seed = std::random_device()();
+  SCOPED_TRACE("seed " + std::to_string(seed));
+  model::Random random(seed);
+  const model::Window window = model::DealFeatures(random, 1).front();
+  board_kit::Configure("speed = 50\n");
+  board::FinishFpgaLoad();
+  auto slowest = 0ms;
+  Bytes before = Stored();
+  for (int kill = 0; kill < kills; ++kill) {
+    const auto begin = std::chrono::steady_clock::now();
+    support::Daemon daemon({.board = board::Folder()});
+    ASSERT_TRUE(daemon.WaitUntilItAnswers()) << daemon.OutputText();
+    slowest = std::max(slowest, std::chrono::duration_cast<std::chrono::milliseconds>(
+                                    std::chrono::steady_clock::now() - begin));
+    const auto client = std::move(daemon.Connect(0x7E0100).value());
+    model::Registers registers = Owned(window, before);
+    std::thread killer([&, after = std::chrono::microseconds(random() % 60000)] {
+      std::this_thread::sleep_for(after);
+      daemon.Kill();
+    });
+    WriteUntilItDies(*client, window, random, registers);
+    killer.join();
+    before = Stored();
+    ASSERT_EQ(registers.Compare(0, before), "") << "after " << kill + 1 << " kills";
+  }
+  std::printf("%d kills, the slowest start took %lld ms\n", kills,
+              static_cast<long long>(slowest.count()));
+  EXPECT_LT(slowest, kStart);
+}
+
+}  // namespace

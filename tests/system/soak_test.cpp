@@ -1,0 +1,219 @@
+// Years in a rack in short: eight peers at work, three of them unruly, on a board whose links flap,
+// whose light sensor fails and whose time jumps. What the well-behaved ones read is held against a
+// model of what each space must answer, and the daemon must not grow. QUIVORD_SOAK_MINUTES says how
+// long; scripts/soak sets it.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <future>
+#include <thread>
+
+#include "board/power.h"
+#include "board/stores.h"
+#include "proto/registerspace_names.h"
+#include "support/brightness_bytes.h"
+#include "support/inprocess.h"
+#include "support/model_peer.h"
+#include "support/ready_daemon.h"
+#include "support/rough_peer.h"
+#include "support/run.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+using More = std::function<bool()>;
+
+// Windows into spaces that are memory: what is written is read back.
+const model::Window kMemories[] = {{0x02300000, {{0, 512}}}, {0x02810200, {{0, 512}}},
+                                   {0x03000000, {{0, 512}}}, {0x03100000, {{0, 512}}},
+                                   {0x05000100, {{0, 512}}}, {0xF0700000, {{0, 512}}}};
+
+std::string WorkOnFeatures(const support::Daemon& daemon, model::Window window, int number,
+                           unsigned seed, const More& more) {
+  model::Peer peer(daemon, std::move(window), model::kMarks.at(static_cast<std::size_t>(number)),
+                   seed, number);
+  return peer.Work(more);
+}
+
+std::string WorkOnMemories(const support::Daemon& daemon, unsigned seed, const More& more) {
+  std::vector<std::unique_ptr<model::Peer>> peers;
+  for (const model::Window& window : kMemories) {
+    const int number = 10 + static_cast<int>(peers.size());
+    peers.push_back(std::make_unique<model::Peer>(daemon, window, model::kMarks[3],
+                                                  seed + static_cast<unsigned>(number), number));
+  }
+  model::Random random(seed);
+  while (more()) {
+    model::Peer& peer = *peers[random() % peers.size()];
+    peer.Step();
+    if (!peer.wrong().empty()) return peer.wrong();
+  }
+  return "";
+}
+
+struct Deed {
+  std::uint32_t address;
+  std::vector<std::uint8_t> data;
+};
+
+// Operations of all kinds that leave the peers' registers alone.
+std::vector<Deed> Deeds() {
+  const brightness_bytes::Mix mix{.nodes = {{6, 0, false, 0x7F, 30}, {18, 0, true, 0x7F, 0}},
+                                  .sensors = {{0, 0, 0, 1}},
+                                  .map = {{100, 20}, {1000, 90}},
+                                  .fallback = 50};
+  return {{0x0A000000, mix.Bytes()},
+          {0x0A000000, {0x00}},
+          {0x02200117, {0x58}},
+          {0x02200117, {0x59}},
+          {0x02200117, {0x00}},
+          {0x0E002000, std::vector<std::uint8_t>(1024, 7)},
+          {0x12010000, std::vector<std::uint8_t>(0x20, 1)},
+          {0x0F008000, std::vector<std::uint8_t>(1024, 9)},
+          {0x02400000, {0x01, 0x00}},
+          {0x01000018, {0x01}}};
+}
+
+// Operations, and reads anywhere: answered as the tables foresee it.
+std::string WorkEverywhere(const support::Daemon& daemon, unsigned seed, const More& more) {
+  using namespace ZEPH_MCUC;
+  const auto client = std::move(daemon.Connect(0x7E0300).value());
+  const std::vector<Deed> deeds = Deeds();
+  model::Random random(seed);
+  while (more()) {
+    if (random() % 4 == 0) {
+      const Deed& deed = deeds[random() % deeds.size()];
+      const auto reply = client->Call(
+          {.operation = quivord::Operation::kWrite, .address = deed.address, .data = deed.data},
+          30s);
+      if (!reply || reply.value().ack != 0) {
+        return "write to " + std::to_string(deed.address) + " not taken";
+      }
+      continue;
+    }
+    const std::uint32_t base = kSpaces[random() % kSpaces.size()]->base();
+    const std::uint32_t address = base + model::Below(random, 0x1000);
+    const auto length = static_cast<std::uint16_t>(1 + model::Below(random, 512));
+    const auto reply = client->Call({.address = address, .length = length}, 30s);
+    if (!reply) return reply.error().text;
+    const Prospect prospect = ForeseeRead(address, length);
+    const bool data = reply.value().data.size() == length;
+    if (data != (prospect.meets == Meets::kServed || prospect.meets == Meets::kDropped)) {
+      return "read of " + std::to_string(length) + " at " + std::to_string(address) + " gave " +
+             std::to_string(reply.value().data.size()) + " bytes, but " + prospect.text;
+    }
+  }
+  return "";
+}
+
+// Links flap, the sensor fails and comes back, time jumps back and forth.
+void Disturb(unsigned seed, const More& more) {
+  model::Random random(seed);
+  const std::filesystem::path folder = board_kit::Named();
+  while (more()) {
+    const auto port = random() % 2;
+    board_kit::RunTool("link " + std::to_string(port) + (random() % 2 == 0 ? " down" : " up") +
+                       " " + folder.string());
+    std::ofstream(folder / "sensors/lux") << (random() % 3 == 0 ? "fail" : "900");
+    const std::int64_t offset = static_cast<std::int64_t>(random() % 2000000) * 1000000;
+    std::fstream(folder / "clock", std::ios::in | std::ios::out | std::ios::binary)
+        .write(reinterpret_cast<const char*>(&offset), sizeof(offset));
+    std::this_thread::sleep_for(50ms);
+  }
+}
+
+// What a process has: its resident memory in KiB, and its open files.
+struct Holdings {
+  long resident = 0;
+  long files = 0;
+};
+
+Holdings HoldingsOf(pid_t process) {
+  const std::filesystem::path folder = "/proc/" + std::to_string(process);
+  Holdings holdings;
+  std::ifstream status(folder / "status");
+  for (std::string line; std::getline(status, line);) {
+    if (line.starts_with("VmRSS:")) holdings.resident = std::atol(line.c_str() + 6);
+  }
+  for ([[maybe_unused]] const auto& file : std::filesystem::directory_iterator(folder / "fd")) {
+    ++holdings.files;
+  }
+  return holdings;
+}
+
+// The eight peers and the disturber, on threads, until `End`.
+class Traffic {
+ public:
+  Traffic(const support::Daemon& daemon, unsigned seed) : board_(daemon.board()) {
+    const More more = [this] { return ++done_, !over_; };
+    model::Random random(seed);
+    int number = 0;
+    for (model::Window& window : model::DealFeatures(random, 3)) {
+      Run([&daemon, window = std::move(window), number, seed, more] {
+        return WorkOnFeatures(daemon, window, number, seed + static_cast<unsigned>(number), more);
+      });
+      ++number;
+    }
+    Run([&daemon, seed, more] { return WorkOnMemories(daemon, seed + 3, more); });
+    Run([&daemon, seed, more] { return WorkEverywhere(daemon, seed + 4, more); });
+    const More rough = [this] { return !over_; };
+    Run([this, seed, rough] { return rough::SendGarbage(board_, seed + 5, rough), ""; });
+    Run([this, seed, rough] { return rough::ComeAndGo(board_, seed + 6, rough), ""; });
+    Run([this, seed, rough] { return rough::Stall(board_, seed + 7, rough), ""; });
+    Run([seed, rough] { return Disturb(seed + 8, rough), ""; });
+  }
+
+  // Ends it; what was wrong, a line each.
+  std::string End() {
+    over_ = true;
+    std::string wrong;
+    for (auto& work : work_) {
+      const std::string said = work.get();
+      if (!said.empty()) wrong += said + "\n";
+    }
+    return wrong;
+  }
+
+  long done() const { return done_; }
+
+ private:
+  void Run(std::function<std::string()> body) {
+    work_.push_back(std::async(std::launch::async, std::move(body)));
+  }
+
+  const std::filesystem::path board_;
+  std::atomic<bool> over_ = false;
+  std::atomic<long> done_ = 0;
+  std::vector<std::future<std::string>> work_;
+};
+
+// Traffic for so long; what is left of it when all peers have gone.
+Holdings AfterTraffic(support::Daemon& daemon, unsigned seed, std::chrono::milliseconds length) {
+  Traffic traffic(daemon, seed);
+  std::this_thread::sleep_for(length);
+  EXPECT_EQ(traffic.End(), "");
+  std::printf("%ld requests\n", traffic.done());
+  EXPECT_GT(traffic.done(), 500);
+  EXPECT_TRUE(daemon.WaitUntilItAnswers());
+  return HoldingsOf(daemon.pid());
+}
+
+TEST(Soak, NobodyIsHarmedByTheOthers) {
+  const int minutes = support::FromEnvironment("QUIVORD_SOAK_MINUTES", 0);
+  const auto whole = minutes > 0 ? std::chrono::seconds(60 * minutes) : 8s;
+  const auto first = minutes > 10 ? 600s : whole / 2;  // until the daemon has seen everything
+  const unsigned seed = std::random_device()();
+  SCOPED_TRACE("seed " + std::to_string(seed));
+  support::ReadyDaemon daemon("speed = 50\n");
+  const Holdings before = AfterTraffic(*daemon, seed, first);
+  const Holdings after = AfterTraffic(*daemon, seed + 1, whole - first);
+  std::printf("resident %ld KiB, then %ld KiB; files %ld, then %ld\n", before.resident,
+              after.resident, before.files, after.files);
+  EXPECT_EQ(after.files, before.files);
+  if (minutes > 10) {
+    EXPECT_LT(after.resident - before.resident, 64);
+  }
+}
+
+}  // namespace
