@@ -13,6 +13,9 @@ constexpr char kNotKept[] =
 constexpr char kLeftOver[] =
     "The FPGA is still set for an HDR mode from before the daemon's start;\n"
     "'quivordctl hdr off' loads the default.";
+constexpr char kOther[] =
+    "The FPGA keeps the tables that it has, uploads aren't loaded;\n"
+    "'quivordctl hdr off' loads the default.";
 
 std::string ModeText(const PictureMode& mode) {
   const hc::HDRParaData& set = mode.set;
@@ -27,8 +30,10 @@ std::string ModeText(const PictureMode& mode) {
       return "HLG of class " + std::to_string(set.HLGCalss) + ", " +
              std::to_string(ZEPH_MCUC::curves::kHlgPeaks_nits[shown]) + " cd/m2\n" + kNotKept;
     }
-    default:
+    case hc::kDefaultMode:
       return mode.fpga_is_hdr ? std::string("HDR is off\n") + kLeftOver : "HDR is off";
+    default:
+      return "HDR type " + std::to_string(set.HDRType) + ", which is no mode\n" + kOther;
   }
 }
 
@@ -77,6 +82,8 @@ Exit Choose(const Context& context, std::uint8_t type, const std::vector<Paramet
     answer = device->Send(hc::kBase + parameter.offset, BytesOf(parameter));
     if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
   }
+  answer = device->AwaitWork();
+  if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
   return Say(context, *device);
 }
 

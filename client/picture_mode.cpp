@@ -4,11 +4,8 @@
 #include "proto/calc_feature.h"
 
 namespace ctl {
-namespace {
 
 namespace hc = ZEPH_MCUC::hc;
-
-}  // namespace
 
 Answer ReadMode(Device& device, PictureMode* mode) {
   Answer answer = device.Read(hc::kBase + hc::kHDRType, hc::kAllParameters);
@@ -34,18 +31,16 @@ std::string ModeName(std::uint8_t type) {
   return type == hc::kDefaultMode ? "off" : std::to_string(type);
 }
 
+// The switches alone don't tell that tables of the same mode were loaded anew.
 Answer ChooseMode(Device& device, std::uint8_t type) {
-  const std::uint8_t wanted = type == hc::kDefaultMode ? hc::kSwitchDefault : hc::kSwitchHDR;
-  Answer answer = device.Write(
-      {.address = hc::kBase + hc::kHDRType,
-       .data = {type},
-       .shown_at = CellRegister(ZEPH_MCUC::feature::kHdrSwitch),
-       .shown_length = 1,
-       .shows = [wanted](std::span<const std::uint8_t> cell) { return cell[0] == wanted; }});
-  if (answer.exit == Exit::kRefused && answer.text.empty()) {
-    answer.text = "the device took it, but the FPGA's switch doesn't follow";
-  }
-  return answer;
+  const bool calculated = type == hc::kHDR10 || type == hc::kHLG;
+  Answer answer = device.Send(hc::kBase + hc::kHDRType, {type});
+  if (answer.exit == Exit::kDone) answer = device.AwaitWork();
+  if (answer.exit != Exit::kDone) return answer;
+  answer = device.ReadBytes(CellRegister(ZEPH_MCUC::feature::kHdrSwitch), 1);
+  if (answer.exit != Exit::kDone) return answer;
+  if (answer.data[0] == (calculated ? hc::kSwitchHDR : hc::kSwitchDefault)) return answer;
+  return {Exit::kRefused, "the device took it, but the FPGA's switch doesn't follow", {}};
 }
 
 }  // namespace ctl

@@ -19,8 +19,8 @@ Answer ReadMode(Device& device, PictureMode* mode);
 // "hdr10", "hlg" or "off"; the number of any other type.
 std::string ModeName(std::uint8_t type);
 
-// Chooses `type` and waits until the FPGA's switches say so. A type that is chosen already is
-// loaded once more all the same.
+// Chooses `type`, which loads its tables also where it is chosen already, waits until that is done
+// and looks whether the FPGA's switch follows.
 Answer ChooseMode(Device& device, std::uint8_t type);
 
 }  // namespace ctl

@@ -50,8 +50,11 @@ std::string TitleText(const Scene& scene) {
       return "Gamma tables for HDR10";
     case hc::kHLG:
       return "Gamma tables for HLG";
+    case hc::kDefaultMode:
+      return scene.left_over ? "Gamma tables left from an HDR mode"
+                             : "Gamma tables of the default mode";
     default:
-      return "Gamma tables of the default mode";
+      return "Gamma tables of mode " + std::to_string(scene.mode.HDRType);
   }
 }
 

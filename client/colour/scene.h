@@ -14,6 +14,7 @@ namespace quivord::colour {
 struct Scene {
   GammaSet set;
   ZEPH_MCUC::hc::HDRParaData mode;  // what the daemon knows of it
+  bool left_over = false;  // the mode is the default one, and the FPGA still set for another
 };
 
 // The curve by which the tables of a mode are made, and the light that it ends at.
