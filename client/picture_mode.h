@@ -4,15 +4,16 @@
 #include <cstdint>
 #include <string>
 
+#include "colour/scene.h"
 #include "device.h"
 #include "proto/calc_hc.h"
 
 namespace ctl {
 
-// What the daemon knows of the mode, and what the FPGA holds.
+// What the daemon knows of the mode, and what the FPGA's switches say.
 struct PictureMode {
   ZEPH_MCUC::hc::HDRParaData set;  // by clients since the daemon's start; `brightness` isn't read
-  bool fpga_is_hdr = false;        // the FPGA's tables, or its switch, are those of an HDR mode
+  quivord::colour::Tables tables = quivord::colour::Tables::kUnknown;
 };
 Answer ReadMode(Device& device, PictureMode* mode);
 

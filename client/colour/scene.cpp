@@ -45,16 +45,15 @@ double ReferenceLight(const Scene& scene, std::size_t code) {
 }
 
 std::string TitleText(const Scene& scene) {
+  if (scene.tables == Tables::kLeftOver) return "Gamma tables left from an HDR mode";
+  if (scene.tables == Tables::kUnknown) return "Gamma tables";
   switch (scene.mode.HDRType) {
     case hc::kHDR10:
       return "Gamma tables for HDR10";
     case hc::kHLG:
       return "Gamma tables for HLG";
-    case hc::kDefaultMode:
-      return scene.left_over ? "Gamma tables left from an HDR mode"
-                             : "Gamma tables of the default mode";
     default:
-      return "Gamma tables of mode " + std::to_string(scene.mode.HDRType);
+      return "Gamma tables of the default mode";
   }
 }
 

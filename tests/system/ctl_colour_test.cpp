@@ -68,6 +68,7 @@ class CtlColour : public testing::Test {
 
 TEST_F(CtlColour, ModesAreChosenShownAndForgottenByARestart) {
   EXPECT_EQ(Json({"hdr", "show"}).at("mode"), "off");
+  EXPECT_EQ(Json({"hdr", "show"}).at("fpga"), "unknown");
   const json hdr10 = Json({"hdr", "hdr10", "--peak", "1200", "--ambient", "50", "--low-gray", "9"});
   EXPECT_EQ(hdr10, (json{{"mode", "hdr10"},
                          {"peak", 1200},
@@ -83,6 +84,10 @@ TEST_F(CtlColour, ModesAreChosenShownAndForgottenByARestart) {
   Restart();
   const std::string left = Out({"hdr", "show"});
   EXPECT_TRUE(left.starts_with("HDR is off\nThe FPGA is still set for an HDR mode")) << left;
+  // The restore of a loaded FPGA writes what the store holds over both switches.
+  board::StoreCells(1, 0x500109, 1, std::array<std::uint8_t, 1>{}.data());
+  board::StoreCells(1, 0x1EA, 1, std::array<std::uint8_t, 1>{}.data());
+  EXPECT_TRUE(Out({"hdr", "show"}).starts_with("HDR is off\nNo mode was chosen"));
   EXPECT_EQ(Out({"hdr", "off"}), "HDR is off");
   EXPECT_EQ(device::Fpga(0x1EA, 1), "ff");
   EXPECT_EQ(Tables(), Thrice(ZEPH_MCUC::GammaTable_x()));
