@@ -7,12 +7,33 @@ namespace ctl {
 namespace {
 
 namespace hc = ZEPH_MCUC::hc;
+using quivord::colour::Tables;
 
 constexpr char kNotKept[] =
     "Not kept: after its next start the daemon takes the picture for the default mode.";
 constexpr char kLeftOver[] =
     "The FPGA is still set for an HDR mode from before the daemon's start;\n"
     "'quivordctl hdr off' loads the default.";
+constexpr char kOther[] =
+    "The FPGA keeps the tables that it has, uploads aren't loaded;\n"
+    "'quivordctl hdr off' loads the default.";
+
+constexpr char kNeverChosen[] =
+    "No mode was chosen since the daemon's start, and the FPGA keeps the tables that it had;\n"
+    "'quivordctl hdr off' loads the default.";
+
+std::string OffText(Tables tables) {
+  const std::string text = "HDR is off";
+  if (tables == Tables::kOfMode) return text;
+  return text + "\n" + (tables == Tables::kLeftOver ? kLeftOver : kNeverChosen);
+}
+
+// What the FPGA is set for.
+const char* FpgaName(const PictureMode& mode) {
+  if (mode.tables == Tables::kUnknown) return "unknown";
+  const bool off = mode.set.HDRType == hc::kDefaultMode && mode.tables == Tables::kOfMode;
+  return off ? "default" : "hdr";
+}
 
 std::string ModeText(const PictureMode& mode) {
   const hc::HDRParaData& set = mode.set;
@@ -27,8 +48,10 @@ std::string ModeText(const PictureMode& mode) {
       return "HLG of class " + std::to_string(set.HLGCalss) + ", " +
              std::to_string(ZEPH_MCUC::curves::kHlgPeaks_nits[shown]) + " cd/m2\n" + kNotKept;
     }
+    case hc::kDefaultMode:
+      return OffText(mode.tables);
     default:
-      return mode.fpga_is_hdr ? std::string("HDR is off\n") + kLeftOver : "HDR is off";
+      return "HDR type " + std::to_string(set.HDRType) + ", which is no mode\n" + kOther;
   }
 }
 
@@ -39,7 +62,7 @@ nlohmann::json ModeJson(const PictureMode& mode) {
           {"ambient", set.fambientLight},
           {"low_gray", set.pMinLum},
           {"class", set.HLGCalss},
-          {"fpga", mode.fpga_is_hdr ? "hdr" : "default"},
+          {"fpga", FpgaName(mode)},
           {"kept", false}};
 }
 
@@ -77,6 +100,8 @@ Exit Choose(const Context& context, std::uint8_t type, const std::vector<Paramet
     answer = device->Send(hc::kBase + parameter.offset, BytesOf(parameter));
     if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
   }
+  answer = device->AwaitWork();
+  if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
   return Say(context, *device);
 }
 
@@ -125,7 +150,9 @@ Run DeclareHlg(CLI::App& app) {
 
 constexpr Command kShow{"show", "Say which mode the picture is in",
                         "  quivordctl hdr show\n"
-                        "With --json: {mode, peak, ambient, low_gray, class, fpga, kept}.",
+                        "With --json: {mode, peak, ambient, low_gray, class, fpga, kept}; fpga is "
+                        "hdr, default or\n"
+                        "  unknown.",
                         DeclareShow};
 constexpr Command kOff{"off", "Back to the default mode and its gamma tables",
                        "  quivordctl hdr off\n", DeclareOff};

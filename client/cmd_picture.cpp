@@ -9,7 +9,10 @@ namespace hc = ZEPH_MCUC::hc;
 using Colour = hc::CSCParaData;
 
 constexpr int kMost = 100;  // of saturation and contrast: twice as much as in the picture
+constexpr std::uint16_t kCircle = 360;
 constexpr char kNotKept[] = "Not kept: what the FPGA holds is gone when it loads anew.";
+constexpr char kUnset[] =
+    "Nobody has set it since the daemon's start; the FPGA goes on with what it holds.";
 
 struct Words {
   std::optional<int> saturation, contrast, hue;
@@ -17,36 +20,43 @@ struct Words {
   bool any() const { return saturation || contrast || hue; }
 };
 
-// As the daemon shows it: contrast first. All zeros: nobody has set it since the daemon's start,
-// and the neutral values are as good a guess as any.
+bool IsZero(const Colour& colour) {
+  return colour.Saturation == 0 && colour.Contrast == 0 && colour.Hue == 0;
+}
+
+// As the daemon shows it: contrast first.
 Colour ColourOf(std::span<const std::uint8_t> bytes) {
   using ZEPH_MCUC::DWQ_DECWD;
-  const Colour shown{.Saturation = DWQ_DECWD(&bytes[2]),
-                     .Contrast = DWQ_DECWD(&bytes[0]),
-                     .Hue = DWQ_DECWD(&bytes[4])};
-  const bool unset = shown.Saturation == 0 && shown.Contrast == 0 && shown.Hue == 0;
-  return unset ? Colour{} : shown;
+  return {.Saturation = DWQ_DECWD(&bytes[2]),
+          .Contrast = DWQ_DECWD(&bytes[0]),
+          .Hue = DWQ_DECWD(&bytes[4])};
 }
 
 std::string ColourText(const Colour& colour) {
   return "saturation " + std::to_string(colour.Saturation) + ", contrast " +
-         std::to_string(colour.Contrast) + ", hue " + std::to_string(colour.Hue);
+         std::to_string(colour.Contrast) + ", hue " + std::to_string(colour.Hue % kCircle);
 }
 
-nlohmann::json ColourJson(const Colour& colour) {
-  return {{"saturation", colour.Saturation}, {"contrast", colour.Contrast}, {"hue", colour.Hue}};
+nlohmann::json ColourJson(const Colour& colour, bool set) {
+  return {{"saturation", colour.Saturation},
+          {"contrast", colour.Contrast},
+          {"hue", colour.Hue % kCircle},
+          {"set", set}};
 }
 
+// All zeros are how the daemon shows that nobody has set anything: who wants them gets the hue once
+// around the circle.
 Colour With(Colour colour, const Words& words) {
   if (words.saturation) colour.Saturation = static_cast<std::uint16_t>(*words.saturation);
   if (words.contrast) colour.Contrast = static_cast<std::uint16_t>(*words.contrast);
-  if (words.hue) colour.Hue = static_cast<std::uint16_t>((*words.hue + 360) % 360);
+  if (words.hue) colour.Hue = static_cast<std::uint16_t>((*words.hue + kCircle) % kCircle);
+  if (IsZero(colour)) colour.Hue = kCircle;
   return colour;
 }
 
 Exit Set(const Context& context, Device& device, const Colour& colour) {
   const auto same = [colour](std::span<const std::uint8_t> bytes) {
-    return ColourText(ColourOf(bytes)) == ColourText(colour);
+    return hc::Encode(ColourOf(bytes)) == hc::Encode(colour);
   };
   const auto low = [](std::uint16_t value) { return static_cast<std::uint8_t>(value); };
   const Answer answer =
@@ -57,7 +67,7 @@ Exit Set(const Context& context, Device& device, const Colour& colour) {
                     .shown_length = hc::kColourRead,
                     .shows = same});
   if (answer.exit == Exit::kDone) {
-    context.out.Show(ColourText(colour) + "\n" + kNotKept, ColourJson(colour));
+    context.out.Show(ColourText(colour) + "\n" + kNotKept, ColourJson(colour, true));
     return Exit::kDone;
   }
   return context.Fail(
@@ -70,9 +80,11 @@ Exit Do(const Context& context, const Words& words) {
   if (device == nullptr) return exit;
   const Answer answer = device->ReadBytes(hc::kBase + hc::kColour, hc::kColourRead);
   if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
-  const Colour now = ColourOf(answer.data);
+  const Colour shown = ColourOf(answer.data);
+  const bool set = !IsZero(shown);
+  const Colour now = set ? shown : Colour{};  // the neutral values are as good a guess as any
   if (words.any()) return Set(context, *device, With(now, words));
-  context.out.Show(ColourText(now), ColourJson(now));
+  context.out.Show(ColourText(now) + (set ? "" : std::string("\n") + kUnset), ColourJson(now, set));
   return Exit::kDone;
 }
 
@@ -97,7 +109,8 @@ const Command kPictureCommand{
     "Show or set saturation, contrast and hue",
     "  quivordctl picture\n"
     "  quivordctl picture --saturation 60 --hue -5\n"
-    "What isn't given stays as it was. With --json: {saturation, contrast, hue}.",
+    "What isn't given stays as it was, or 50, 50 and 0 where nobody has set it since the daemon's\n"
+    "  start. With --json: {saturation, contrast, hue, set}.",
     Declare,
 };
 

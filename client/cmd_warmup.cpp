@@ -14,12 +14,17 @@ struct Words {
   std::optional<int> mode, time;
 };
 
+bool IsSet(std::span<const std::uint8_t> setting) {
+  return setting[0] != 0xFF || setting[1] != 0xFF;  // as a new store has it
+}
+
 std::string Text(std::span<const std::uint8_t> setting) {
-  if (setting[0] == 0xFF && setting[1] == 0xFF) return "no warm-up is set";  // a new store
+  if (!IsSet(setting)) return "no warm-up is set";
   return "warm-up mode " + std::to_string(setting[0]) + ", time " + std::to_string(setting[1]);
 }
 
 nlohmann::json Json(std::span<const std::uint8_t> setting) {
+  if (!IsSet(setting)) return {{"mode", nullptr}, {"time", nullptr}};
   return {{"mode", setting[0]}, {"time", setting[1]}};
 }
 
@@ -51,6 +56,9 @@ Exit Do(const Context& context, const Words& words) {
     context.out.Show(Text(setting), Json(setting));
     return Exit::kDone;
   }
+  if (!IsSet(setting) && !(words.mode && words.time)) {
+    return context.Fail(Exit::kWrongUse, "no warm-up is set: give --mode and --time");
+  }
   if (words.mode) setting[0] = static_cast<std::uint8_t>(*words.mode);
   if (words.time) setting[1] = static_cast<std::uint8_t>(*words.time);
   return Set(context, *device, setting);
@@ -72,7 +80,7 @@ const Command kWarmupCommand{
     "Show or set the stored warm-up setting",
     "  quivordctl warmup\n"
     "  quivordctl warmup --mode 1 --time 60\n"
-    "With --json: {mode, time}.",
+    "What isn't given stays as it was. With --json: {mode, time}, both null where none is set.",
     Declare,
 };
 

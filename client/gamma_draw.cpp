@@ -22,6 +22,7 @@ Exit Draw(const Context& context, const Words& words) {
   if (answer.exit == Exit::kDone) answer = ReadMode(*device, &mode);
   if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
   scene.mode = mode.set;
+  scene.tables = mode.tables;
   const std::string fault = quivord::colour::Draw(scene, words.file, *format, words.scale);
   if (!fault.empty()) return context.Fail(Exit::kWrongUse, words.file + ": " + fault);
   context.out.Show("drew " + words.file, {{"file", words.file}});

@@ -43,7 +43,7 @@ Answer ReadValues(Device& device, nlohmann::json* values) {
     Answer answer = device.ReadBytes(value.reg, 1);
     if (answer.exit != Exit::kDone) return answer;
     const char* const name = value.set == rgbgamma::Set::k12Bit ? "12" : "10";
-    if (answer.data[0] != 0xFF) (*values)[name] = answer.data[0] / 10.0;
+    if (answer.data[0] != kNoExponent) (*values)[name] = answer.data[0] / 10.0;
   }
   return {};
 }

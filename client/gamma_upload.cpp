@@ -3,7 +3,6 @@
 #include <cmath>
 #include <fstream>
 #include <iterator>
-#include <thread>
 
 #include "gamma_commands.h"
 #include "picture_mode.h"
@@ -17,7 +16,6 @@ namespace rgbgamma = ZEPH_MCUC::rgbgamma;
 
 constexpr std::uintmax_t kMostFile = 1 << 20;  // three numbers a line and remarks
 constexpr int kPieces = 3 * static_cast<int>(ZEPH_MCUC::kGammaTableSize / kGammaPiece);
-constexpr auto kLook = std::chrono::milliseconds(50);
 
 struct Words {
   std::string file;
@@ -84,27 +82,21 @@ Answer SendPieces(Device& device, rgbgamma::Set which, const GammaSet& set) {
   return {};
 }
 
-// Notes the exponent, in tenths, beside the set.
+// Notes the exponent, in tenths, beside the set; of a file, that none is known.
 Answer SendExponent(Device& device, const Words& words) {
+  const auto tenths =
+      words.exponent ? static_cast<std::uint8_t>(std::lround(*words.exponent * 10)) : kNoExponent;
   for (const rgbgamma::Value& value : rgbgamma::kValues) {
-    if (value.set != words.set()) continue;
-    const auto tenths = static_cast<std::uint8_t>(std::lround(*words.exponent * 10));
-    return device.Send(value.reg, {tenths});
+    if (value.set == words.set()) return device.Send(value.reg, {tenths});
   }
   return {};
 }
 
-Answer AwaitLoaded(Device& device, const GammaSet& wanted) {
-  const auto deadline = std::chrono::steady_clock::now() + kSettleTime;
-  while (true) {
-    GammaSet held;
-    Answer answer = ReadGamma(device, &held);
-    if (answer.exit != Exit::kDone || held == wanted) return answer;
-    if (std::chrono::steady_clock::now() >= deadline) {
-      return {Exit::kRefused, "the device took the set, but the FPGA doesn't hold it", {}};
-    }
-    std::this_thread::sleep_for(kLook);
-  }
+Answer CheckLoaded(Device& device, const GammaSet& wanted) {
+  GammaSet held;
+  Answer answer = ReadGamma(device, &held);
+  if (answer.exit != Exit::kDone || held == wanted) return answer;
+  return {Exit::kRefused, "the device took the set, but the FPGA doesn't hold it", {}};
 }
 
 std::string StoredText(int depth, bool loaded) {
@@ -114,13 +106,15 @@ std::string StoredText(int depth, bool loaded) {
                         " and loaded it\nWhatever loads the default mode later takes the "
                         "10-bit set: upload this one again then."
                   : text +
-                        "\nThe picture is in an HDR mode, and what ends that loads the 10-bit "
-                        "set: upload this one again then.";
+                        "\nThe picture isn't in the default mode, and what brings that back loads "
+                        "the 10-bit set: upload this one again then.";
   }
   return loaded ? text +
                       " and loaded it\nKept, but not loaded by itself after a power-up: "
                       "'quivordctl gamma load' does that."
-                : text + "\nThe picture is in an HDR mode: 'quivordctl hdr off' loads the set.";
+                : text +
+                      "\nThe picture isn't in the default mode: 'quivordctl hdr off' loads the "
+                      "set.";
 }
 
 Exit Upload(const Context& context, const Words& words) {
@@ -133,8 +127,9 @@ Exit Upload(const Context& context, const Words& words) {
   Answer answer = ReadMode(*device, &mode);
   const bool loads = mode.set.HDRType == ZEPH_MCUC::hc::kDefaultMode;
   if (answer.exit == Exit::kDone) answer = SendPieces(*device, words.set(), set.value());
-  if (answer.exit == Exit::kDone && words.exponent) answer = SendExponent(*device, words);
-  if (answer.exit == Exit::kDone && loads) answer = AwaitLoaded(*device, set.value());
+  if (answer.exit == Exit::kDone) answer = SendExponent(*device, words);
+  if (answer.exit == Exit::kDone) answer = device->AwaitWork();
+  if (answer.exit == Exit::kDone && loads) answer = CheckLoaded(*device, set.value());
   if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
   context.out.Show(StoredText(words.depth, loads), {{"depth", words.depth}, {"loaded", loads}});
   return Exit::kDone;

@@ -4,27 +4,42 @@
 #include "proto/calc_feature.h"
 
 namespace ctl {
-namespace {
 
 namespace hc = ZEPH_MCUC::hc;
+
+namespace {
+
+using quivord::colour::Tables;
+
+bool HasTables(std::uint8_t type) { return type == hc::kHDR10 || type == hc::kHLG; }
+
+// By the bytes of both switches. A start of the daemon writes what the store holds over them, and
+// leaves the tables: only the default's own value in the feature register tells of the default.
+Tables TablesOf(std::uint8_t type, std::uint8_t fpga, std::uint8_t feature) {
+  if (HasTables(type)) return Tables::kOfMode;
+  if (type != hc::kDefaultMode) return Tables::kUnknown;
+  if (fpga == hc::kTablesLoaded || feature == hc::kSwitchHDR) return Tables::kLeftOver;
+  return feature == hc::kSwitchDefault ? Tables::kOfMode : Tables::kUnknown;
+}
 
 }  // namespace
 
 Answer ReadMode(Device& device, PictureMode* mode) {
-  Answer answer = device.Read(hc::kBase + hc::kHDRType, hc::kAllParameters);
+  Answer answer = device.ReadBytes(hc::kBase + hc::kHDRType, hc::kAllParameters);
   if (answer.exit != Exit::kDone) return answer;
   mode->set.HDRType = answer.data[0];
   mode->set.fScreenPeakLight = ZEPH_MCUC::DWQ_DECWD(&answer.data[1]);
   mode->set.fambientLight = answer.data[3];
   mode->set.pMinLum = answer.data[hc::kMinLum - hc::kHDRType];
-  answer = device.Read(hc::kBase + hc::kHLGClass, 1);
+  answer = device.ReadBytes(hc::kBase + hc::kHLGClass, 1);
   if (answer.exit != Exit::kDone) return answer;
   mode->set.HLGCalss = answer.data[0];
-  answer = device.Read(CellRegister(hc::kSwitchBus), 1);
+  answer = device.ReadBytes(CellRegister(hc::kSwitchBus), 1);
   if (answer.exit != Exit::kDone) return answer;
-  mode->fpga_is_hdr = answer.data[0] == hc::kTablesLoaded;
-  answer = device.Read(CellRegister(ZEPH_MCUC::feature::kHdrSwitch), 1);
-  if (answer.exit == Exit::kDone) mode->fpga_is_hdr |= answer.data[0] == hc::kSwitchHDR;
+  const std::uint8_t fpga = answer.data[0];
+  answer = device.ReadBytes(CellRegister(ZEPH_MCUC::feature::kHdrSwitch), 1);
+  if (answer.exit != Exit::kDone) return answer;
+  mode->tables = TablesOf(mode->set.HDRType, fpga, answer.data[0]);
   return answer;
 }
 
@@ -34,18 +49,15 @@ std::string ModeName(std::uint8_t type) {
   return type == hc::kDefaultMode ? "off" : std::to_string(type);
 }
 
+// The switches alone don't tell that tables of the same mode were loaded anew.
 Answer ChooseMode(Device& device, std::uint8_t type) {
-  const std::uint8_t wanted = type == hc::kDefaultMode ? hc::kSwitchDefault : hc::kSwitchHDR;
-  Answer answer = device.Write(
-      {.address = hc::kBase + hc::kHDRType,
-       .data = {type},
-       .shown_at = CellRegister(ZEPH_MCUC::feature::kHdrSwitch),
-       .shown_length = 1,
-       .shows = [wanted](std::span<const std::uint8_t> cell) { return cell[0] == wanted; }});
-  if (answer.exit == Exit::kRefused && answer.text.empty()) {
-    answer.text = "the device took it, but the FPGA's switch doesn't follow";
-  }
-  return answer;
+  Answer answer = device.Send(hc::kBase + hc::kHDRType, {type});
+  if (answer.exit == Exit::kDone) answer = device.AwaitWork();
+  if (answer.exit != Exit::kDone) return answer;
+  answer = device.ReadBytes(CellRegister(ZEPH_MCUC::feature::kHdrSwitch), 1);
+  if (answer.exit != Exit::kDone) return answer;
+  if (answer.data[0] == (HasTables(type) ? hc::kSwitchHDR : hc::kSwitchDefault)) return answer;
+  return {Exit::kRefused, "the device took it, but the FPGA's switch doesn't follow", {}};
 }
 
 }  // namespace ctl

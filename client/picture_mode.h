@@ -4,23 +4,24 @@
 #include <cstdint>
 #include <string>
 
+#include "colour/scene.h"
 #include "device.h"
 #include "proto/calc_hc.h"
 
 namespace ctl {
 
-// What the daemon knows of the mode, and what the FPGA holds.
+// What the daemon knows of the mode, and what the FPGA's switches say.
 struct PictureMode {
   ZEPH_MCUC::hc::HDRParaData set;  // by clients since the daemon's start; `brightness` isn't read
-  bool fpga_is_hdr = false;        // the FPGA's tables, or its switch, are those of an HDR mode
+  quivord::colour::Tables tables = quivord::colour::Tables::kUnknown;
 };
 Answer ReadMode(Device& device, PictureMode* mode);
 
 // "hdr10", "hlg" or "off"; the number of any other type.
 std::string ModeName(std::uint8_t type);
 
-// Chooses `type` and waits until the FPGA's switches say so. A type that is chosen already is
-// loaded once more all the same.
+// Chooses `type`, which loads its tables also where it is chosen already, waits until that is done
+// and looks whether the FPGA's switch follows.
 Answer ChooseMode(Device& device, std::uint8_t type);
 
 }  // namespace ctl

@@ -45,6 +45,8 @@ double ReferenceLight(const Scene& scene, std::size_t code) {
 }
 
 std::string TitleText(const Scene& scene) {
+  if (scene.tables == Tables::kLeftOver) return "Gamma tables left from an HDR mode";
+  if (scene.tables == Tables::kUnknown) return "Gamma tables";
   switch (scene.mode.HDRType) {
     case hc::kHDR10:
       return "Gamma tables for HDR10";

@@ -11,9 +11,17 @@
 
 namespace quivord::colour {
 
+// What tables the FPGA holds, as far as its switches tell.
+enum class Tables : std::uint8_t {
+  kOfMode,    // of the mode that the daemon knows
+  kLeftOver,  // the daemon knows of the default mode, the FPGA is still set for an HDR one
+  kUnknown,   // nobody has chosen a mode since the daemon's start, or one that has no tables
+};
+
 struct Scene {
   GammaSet set;
   ZEPH_MCUC::hc::HDRParaData mode;  // what the daemon knows of it
+  Tables tables = Tables::kOfMode;
 };
 
 // The curve by which the tables of a mode are made, and the light that it ends at.

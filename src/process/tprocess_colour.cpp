@@ -64,7 +64,7 @@ void WritePattern(const PenetrateInfo& info) {
   const uint32_t offset = info.Register - pattern::kBase;
   if (offset > pattern::kSize || info.length > pattern::kSize - offset) {
     MCUC_LOG(kLogError, "=== Sprocess_ScreenPatternGen ===Invalid addr+len, return! address = "
-                            << CTrace::hex << info.Register);
+                            << CTrace::hex << info.Register << " length = " << info.length);
     return;
   }
   Data_Global* global = Data_Global::getInstance();

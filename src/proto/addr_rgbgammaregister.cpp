@@ -8,7 +8,7 @@ namespace ZEPH_MCUC {
 namespace {
 
 JSHL_Type_e Checked(const char* name, int32_t result, QMB_proto3rd* msg) {
-  if (result >= 0) return JSHL_OK;
+  if (result == 0) return JSHL_OK;
   MCUC_LOG(kLogError,
            "=== Read_" << name << "Info ===Read " << name << " Info failed! ret = " << result);
   msg->proto.m_data.clear();

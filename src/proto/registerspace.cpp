@@ -93,7 +93,8 @@ namespace {
 
 void LogRangeFault(const QMB_proto3rd& msg, const char* operation) {
   MCUC_LOG(kLogError, "=== " << operation << " ===Invalid addr+len, return! address = "
-                             << CTrace::hex << msg.proto.m_uiRegisterUnitAddress);
+                             << CTrace::hex << msg.proto.m_uiRegisterUnitAddress
+                             << " length = " << msg.proto.m_usValidDataLength);
 }
 
 }  // namespace

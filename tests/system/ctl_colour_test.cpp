@@ -68,6 +68,7 @@ class CtlColour : public testing::Test {
 
 TEST_F(CtlColour, ModesAreChosenShownAndForgottenByARestart) {
   EXPECT_EQ(Json({"hdr", "show"}).at("mode"), "off");
+  EXPECT_EQ(Json({"hdr", "show"}).at("fpga"), "unknown");
   const json hdr10 = Json({"hdr", "hdr10", "--peak", "1200", "--ambient", "50", "--low-gray", "9"});
   EXPECT_EQ(hdr10, (json{{"mode", "hdr10"},
                          {"peak", 1200},
@@ -83,20 +84,30 @@ TEST_F(CtlColour, ModesAreChosenShownAndForgottenByARestart) {
   Restart();
   const std::string left = Out({"hdr", "show"});
   EXPECT_TRUE(left.starts_with("HDR is off\nThe FPGA is still set for an HDR mode")) << left;
+  // The restore of a loaded FPGA writes what the store holds over both switches.
+  board::StoreCells(1, 0x500109, 1, std::array<std::uint8_t, 1>{}.data());
+  board::StoreCells(1, 0x1EA, 1, std::array<std::uint8_t, 1>{}.data());
+  EXPECT_TRUE(Out({"hdr", "show"}).starts_with("HDR is off\nNo mode was chosen"));
   EXPECT_EQ(Out({"hdr", "off"}), "HDR is off");
   EXPECT_EQ(device::Fpga(0x1EA, 1), "ff");
   EXPECT_EQ(Tables(), Thrice(ZEPH_MCUC::GammaTable_x()));
+  Out({"write", "0x02200117", "0x33"});
+  EXPECT_TRUE(Out({"hdr", "show"}).starts_with("HDR type 51, which is no mode\n"));
+  EXPECT_EQ(Json({"gamma", "upload", "--exponent", "2"}).at("loaded"), false);
 }
 
 TEST_F(CtlColour, SettingsKeepWhatIsNotGiven) {
-  EXPECT_EQ(Out({"picture"}), "saturation 50, contrast 50, hue 0");
+  EXPECT_TRUE(Out({"picture"}).starts_with("saturation 50, contrast 50, hue 0\nNobody has set it"));
   const json first = Json({"picture", "--saturation", "60", "--hue", "-5"});
-  EXPECT_EQ(first, (json{{"saturation", 60}, {"contrast", 50}, {"hue", 355}}));
+  EXPECT_EQ(first, (json{{"saturation", 60}, {"contrast", 50}, {"hue", 355}, {"set", true}}));
   Out({"picture", "--contrast", "0"});
   EXPECT_EQ(Out({"picture"}), "saturation 60, contrast 0, hue 355");
   EXPECT_EQ(device::Fpga(0xD00000, 18), std::string(36, '0'));  // no contrast, no light
+  Out({"picture", "--saturation", "0", "--hue", "0"});          // all zeros, and set all the same
+  EXPECT_EQ(Out({"picture"}), "saturation 0, contrast 0, hue 0");
 
   EXPECT_EQ(Out({"warmup"}), "no warm-up is set");
+  EXPECT_EQ(Run({"warmup", "--mode", "1"}).status, 2);  // the time would be anything
   Out({"warmup", "--mode", "1", "--time", "60"});
   Restart();
   Out({"warmup", "--time", "70"});
@@ -116,6 +127,11 @@ TEST_F(CtlColour, UploadStoresLoadsAndSaysWhatLasts) {
   EXPECT_EQ(Json({"gamma", "load"}).at("blue"), "a power of 2.40");
   EXPECT_EQ(Tables(), Thrice(ten));
 
+  Out({"gamma", "upload", "--exponent", "2.2", "--depth", "12"});
+  EXPECT_EQ(Json({"gamma", "load"}).at("blue"),
+            "a power of 2.40");  // the switch says default already
+  EXPECT_EQ(Tables(), Thrice(ten));
+
   Out({"hdr", "hlg"});
   EXPECT_EQ(Json({"gamma", "upload", "--exponent", "1.8"}).at("loaded"), false);
   EXPECT_EQ(Json({"gamma", "load"}).at("was"), "hlg");
@@ -129,7 +145,9 @@ TEST_F(CtlColour, UploadTakesAFileAndDrawShowsIt) {
       lines += std::to_string(64 * i) + ", 0 ," + std::to_string(i) + "\n";
     return lines;
   }();
+  Out({"gamma", "upload", "--exponent", "2.4"});
   Out({"gamma", "upload", File("gamma.csv")});
+  EXPECT_EQ(Json({"gamma", "show"}).at("exponents"), json::object());  // the one before is gone
   EXPECT_EQ(device::Fpga(0x700000 + 8188, 4), "c0ffc0ff");
   EXPECT_EQ(device::Fpga(0x710000 + 8188, 4), "00000000");
   EXPECT_EQ(device::Fpga(0x720000 + 8, 4), "01000100");

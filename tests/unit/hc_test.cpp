@@ -147,7 +147,11 @@ TEST(HCInteraction, WriteThatReachesTheEndIsRefused) {
   for (const auto& [offset, bytes] : {std::pair{0x1FF, "58"}, {0x1FE, "0102"}, {0xFFFF, "58"}}) {
     Write(static_cast<std::uint32_t>(offset), bytes);
     EXPECT_EQ(inprocess::DrainQueue(), 0);
-    EXPECT_NE(log.Take().find("=== WriteToHCInteraction ===Invalid addr+len"), std::string::npos);
+    const std::string lines = log.Take();
+    EXPECT_NE(lines.find("=== WriteToHCInteraction ===Invalid addr+len"), std::string::npos);
+    EXPECT_NE(lines.find(" length = " + std::to_string(std::string(bytes).size() / 2) + "\n"),
+              std::string::npos)
+        << lines;
   }
   EXPECT_EQ(trace.Take(), "");
 }
