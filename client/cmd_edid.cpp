@@ -20,7 +20,8 @@ using namespace ZEPH_MCUC;
 namespace video = quivord::video;
 
 constexpr char kNothingShown[] =
-    "this input shows no EDID: no board was found there; quivordctl inputs looks for boards";
+    "this input shows no EDID: no board was found there, or it doesn't answer; quivordctl inputs "
+    "looks for boards";
 
 struct Words {
   std::string file;
@@ -28,10 +29,11 @@ struct Words {
   std::optional<int> group;
 };
 
-void DeclareGroup(CLI::App& app, Words& words) {
-  app.add_option("--group", words.group,
-                 "Input group, 0 to 2 (default: the current one). Another one is made current "
-                 "for as long as it takes")
+CLI::Option* DeclareGroup(CLI::App& app, Words& words) {
+  return app
+      .add_option("--group", words.group,
+                  "Input group, 0 to 2 (default: the current one). Another one is made current "
+                  "for as long as it takes")
       ->type_name("G")
       ->check(CLI::Range(0, kReachableGroups - 1));
 }
@@ -188,8 +190,10 @@ Run With(CLI::App& app, const std::shared_ptr<Words>& words, Work work) {
 
 Run DeclareShow(CLI::App& app) {
   const auto words = std::make_shared<Words>();
-  app.add_option("FILE", words->file, "An EDID in a file, instead of an input's");
-  return With(app, words, Show);
+  auto* const file =
+      app.add_option("FILE", words->file, "An EDID in a file, instead of an input's");
+  DeclareGroup(app, *words)->excludes(file);
+  return [words](Context& context) { return Show(context, *words); };
 }
 
 Run DeclareSet(CLI::App& app) {

@@ -21,6 +21,9 @@ Exit Show(Context& context, const Words& words) {
   const auto layer = video::ParseRectangle(words.layer);
   const auto output = video::ParseRectangle(words.output.empty() ? words.layer : words.output);
   if (!source || !layer || !output) return context.Fail(Exit::kWrongUse, video::kRectangleRule);
+  if (source->x < 0 || source->y < 0) {
+    return context.Fail(Exit::kWrongUse, "a source has no pixels left of it or above it");
+  }
   const auto format = quivord::draw::FormatOf(words.file);
   if (!words.file.empty() && !format) {
     return context.Fail(Exit::kWrongUse, "the picture's file ends in .png or .svg");

@@ -38,7 +38,10 @@ Answer EdidDevice::WriteSourceId(std::uint8_t source_id) {
 Answer EdidDevice::Select(std::uint8_t group) {
   Answer now = device_->Read(SourceRow());
   if (!Done(now) || GroupOfSourceId(now.data[0]) == group) return now;
-  if (!before_) before_ = now.data[0];
+  if (!before_) {
+    held_.emplace();
+    before_ = now.data[0];
+  }
   Answer answer = WriteSourceId(SourceIdOfGroup(group));
   if (!Done(answer)) answer.text = "the device doesn't switch to the input of that group";
   return answer;
@@ -52,6 +55,7 @@ Answer EdidDevice::PutBack() {
                   " in register 0x020001A5, could not be put back";
   }
   before_.reset();
+  held_.reset();
   return answer;
 }
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "device.h"
+#include "held_signals.h"
 #include "process/calc_edid.h"
 
 namespace ctl {
@@ -23,7 +24,7 @@ class EdidDevice {
   Answer Detect();
 
   // Makes a group, 0 to 2, the current one until `PutBack`, or until the end of this object. The
-  // device stores and passes on which it is, like every feature register.
+  // device stores and passes on which it is, like every feature register. Ctrl-C waits meanwhile.
   Answer Select(std::uint8_t group);
   Answer PutBack();
 
@@ -43,6 +44,7 @@ class EdidDevice {
 
   std::unique_ptr<Device> device_;
   std::optional<std::uint8_t> before_;  // source ID to put back
+  std::optional<HeldSignals> held_;     // as long as there is one
 };
 
 // Whether any byte is there.

@@ -18,7 +18,8 @@ using ZEPH_MCUC::VideoMode;
 // with at most two decimals. Nothing for any other text.
 std::optional<VideoMode> ParseMode(std::string_view text);
 inline constexpr char kModeRule[] =
-    "a mode is WIDTHxHEIGHT@RATE, such as 1920x1080@59.94: sizes up to 65535, up to 655.35 Hz";
+    "a mode is WIDTHxHEIGHT@RATE, such as 1920x1080@59.94: sizes up to 65535, rates up to "
+    "655.35 Hz with two decimals";
 
 // "1920 × 1080 at 59.94 Hz"; "59.94 Hz".
 std::string ModeText(const VideoMode& mode);

@@ -37,6 +37,7 @@ struct edid_CEA861DetailedTimingDescriptor {
 
   uint32_t htotal() const { return uint32_t{HorizActivePixels} + HorizBlankingPixels; }
   uint32_t vtotal() const { return uint32_t{VertActiveLines} + VertBlankingLines; }
+  bool operator==(const edid_CEA861DetailedTimingDescriptor&) const = default;
 };
 using DetailedTiming = edid_CEA861DetailedTimingDescriptor;
 

@@ -118,7 +118,8 @@ void InputSource::EDIDCommStorage(u8 group, const u8* ReceiveDataBuf) {
 
 // The mode is stored before a board is touched: should that fail, the next detection has it.
 void InputSource::StoreMode(u8 group, const VideoMode& mode) {
-  if (!m_paraLoaded) LoadInSetPara();  // the other groups' modes lie in the same record
+  // The other groups' modes lie in the same record: unread, they would be overwritten with nothing.
+  if (!m_paraLoaded && !LoadInSetPara()) return;
   InSetPara.InRes[group] = {mode.width, mode.height, mode.rate};
   const InSetParaBytes bytes = PackInSetPara(InSetPara);
   const int32_t result = DriverUtil::getInstance()->WriteDataToFlash(1, flash::kEdidRecord,

@@ -1,12 +1,14 @@
 // quivordctl's video commands against a daemon on a board.
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <fstream>
 #include <nlohmann/json.hpp>
 
 #include "board/files.h"
 #include "support/board_kit.h"
 #include "support/daemon.h"
+#include "support/process.h"
 #include "support/run.h"
 
 namespace {
@@ -76,6 +78,7 @@ TEST_F(VideoCommand, AnEdidIsSavedAndWritten) {
 
   board_kit::Put("short.bin", saved.substr(0, 100));
   board_kit::Put("spoilt.bin", saved.substr(0, 60) + "x" + saved.substr(61));
+  EXPECT_EQ(Ctl({"edid", "show", File("saved.bin"), "--group", "1"}).status, 2) << "one or other";
   for (const char* name : {"short.bin", "spoilt.bin", "missing.bin"}) {
     EXPECT_EQ(Ctl({"edid", "write", File(name)}).status, 2) << name;
   }
@@ -87,6 +90,17 @@ TEST_F(VideoCommand, AModeThatTheInputNeverShowsIsTold) {
   const support::RunResult result = Ctl({"edid", "set", "--mode", "1280x720"});
   EXPECT_EQ(result.status, 1);
   EXPECT_NE(result.err.find("the input shows 1920 × 1080"), std::string::npos) << result.err;
+}
+
+TEST_F(VideoCommand, AnInterruptedCommandPutsTheInputBack) {
+  Object(Ctl({"inputs"}));
+  ASSERT_EQ(board_kit::RunTool("fault edid-write 1").status, 0);
+  support::Process setting({.command = {support::Built("quivordctl"), "edid", "set", "--mode",
+                                        "1280x720", "--group", "1"}});
+  while (Current() != "62") ASSERT_FALSE(setting.Wait(std::chrono::milliseconds(20)));
+  setting.Signal(SIGINT);
+  EXPECT_EQ(setting.Wait(std::chrono::seconds(30)), 128 + SIGINT);
+  EXPECT_EQ(Current(), "00");
 }
 
 TEST(VideoTools, TimingAndScaleAskNoDevice) {
@@ -109,6 +123,7 @@ TEST(VideoTools, TimingAndScaleAskNoDevice) {
   EXPECT_NE(board::ReadWhole(picture).value_or("").find("<svg"), std::string::npos);
   EXPECT_EQ(Ctl({"scale", "--source", "9x9", "--layer", "9x9+9+9", "--output", "5x5"}).status, 1);
   EXPECT_EQ(Ctl({"scale", "--source", "9", "--layer", "9x9"}).status, 2);
+  EXPECT_EQ(Ctl({"scale", "--source", "9x9-1+0", "--layer", "9x9"}).status, 2);
   EXPECT_EQ(Ctl({"scale", "--source", "9x9", "--layer", "9x9", "--draw", "x.txt"}).status, 2);
 }
 

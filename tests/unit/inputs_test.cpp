@@ -277,6 +277,16 @@ TEST(EdidSpace, WriteBeforeDetectionKeepsTheOtherModes) {
   EXPECT_EQ(device::Flash(kRecord + 54, 2), "0102");
 }
 
+TEST(EdidSpace, WriteWithoutTheOtherModesLeavesTheStore) {
+  device::Begin("none");
+  const std::string before = device::Flash(kRecord, 72);
+  SetFaultCount(Fault::kFlashRead, 3);  // once for each try
+  Send(ClientEdid(k720p));
+  EXPECT_EQ(device::Flash(kRecord, 72), before);
+  Send(ClientEdid(k720p));
+  EXPECT_EQ(device::Flash(kRecord, 72), "0005d0027017" + before.substr(12));
+}
+
 // The bus receive thread detects, the work thread writes: whichever comes last, the board shows
 // what the store holds.
 TEST(Inputs, DetectionAndAClientsEdidTakeTurns) {
