@@ -19,6 +19,8 @@ constexpr char kModelSource[] =
     "from the environment's key device_modelid, else as fixed at each start; a write doesn't "
     "outlive a start";
 
+constexpr char kNoMac[] = "no record of one; the boot loader may hold it all the same";
+
 struct Words {
   std::string serial;
   std::string mac;
@@ -61,7 +63,7 @@ Exit Show(const Context& context) {
   const bool preset = serial == SerialText(kDefaultSerial);
   context.out.Show(Columns({{"serial number", serial + (preset ? " (the preset one)" : "")},
                             {"model", model + " (" + kModelSource + ")"},
-                            {"MAC address", mac.empty() ? "no record of one" : mac}}),
+                            {"MAC address", mac.empty() ? kNoMac : mac}}),
                    {{"serial", serial},
                     {"serial_preset", preset},
                     {"model", model},

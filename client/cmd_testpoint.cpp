@@ -6,8 +6,8 @@ namespace ctl {
 namespace {
 
 constexpr std::uint32_t kTestPoint = 0x01000003;
-constexpr std::uint32_t kCells = 0xF0000000;  // the register of FPGA cell 0
-constexpr std::uint32_t kLastCell = 0x00FFFFFF;
+constexpr std::uint32_t kCells = 0xF0000000;     // the register of FPGA cell 0
+constexpr std::uint32_t kLastCell = 0x01FFFFFF;  // the last one that can be read back
 
 struct Words {
   std::string address;
@@ -23,7 +23,7 @@ std::vector<std::uint8_t> Payload(std::uint32_t address, std::uint8_t value) {
 Exit TestPoint(const Context& context, const Words& words) {
   const auto address = ParseNumber(words.address, kLastCell);
   const auto value = ParseNumber(words.value, 0xFF);
-  if (!address.has_value()) return context.Fail(Exit::kWrongUse, "CELL is 0 to 0xFFFFFF");
+  if (!address.has_value()) return context.Fail(Exit::kWrongUse, "CELL is 0 to 0x1FFFFFF");
   if (!value.has_value())
     return context.Fail(Exit::kWrongUse, "VALUE is 0 to 255, or 0x00 to 0xFF");
   Exit exit = Exit::kDone;
@@ -48,7 +48,7 @@ Exit TestPoint(const Context& context, const Words& words) {
 
 Run Declare(CLI::App& app) {
   const auto words = std::make_shared<Words>();
-  app.add_option("CELL", words->address, "Bus address of the cell, 0 to 0xFFFFFF")->required();
+  app.add_option("CELL", words->address, "Bus address of the cell, 0 to 0x1FFFFFF")->required();
   app.add_option("VALUE", words->value, "Byte, 0 to 255")->required();
   return [words](Context& context) { return TestPoint(context, *words); };
 }

@@ -26,7 +26,8 @@ void ReadHeader(Bytes bytes) {
     for (const uint32_t reg : {place - 1, place, place + 1, place + 2047}) {
       const auto entry = table->EntryOf(reg);
       const bool held = entry.has_value();
-      Want(held == (table->count > 0 && reg >= places.front() && reg < places.back()));
+      const auto first = std::lower_bound(places.begin(), places.end(), cardfiles::kBase);
+      Want(held == (first != places.end() && reg >= *first && reg < places.back()));
       Want(!held || (*entry < table->count && places[*entry] <= reg && reg < places[*entry + 1]));
       Want(!held || table->index[*entry] <= table->count);
     }

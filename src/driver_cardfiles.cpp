@@ -17,8 +17,9 @@ namespace ZEPH_MCUC {
 namespace {
 
 constexpr char kFolder[] = "/usr/zeph/etc/owd/cabCfg/";
-constexpr int kLastNumber = 31;   // a number above it stands for a file by its full path
-constexpr uint16_t kPiece = 512;  // bytes in one packet
+constexpr int kLastNumber = 31;        // a number above it stands for a file by its full path
+constexpr off_t kMostFile = 0x800000;  // as many registers hold files
+constexpr uint16_t kPiece = 512;       // bytes in one packet
 constexpr int kAfterPiece_ms = 10;
 constexpr int kAfterPack_ms = 15;
 
@@ -141,6 +142,10 @@ std::vector<uint8_t> DriverUtil::ReadRvFile(uint32_t load_index) {
   const File file(place, O_RDONLY);
   if (!file.isOpen() || !S_ISREG(status.st_mode)) {
     MCUC_LOG(kLogError, "======fOpen File: " << path.c_str() << " File!======");
+    return {};
+  }
+  if (status.st_size > kMostFile) {
+    MCUC_LOG(kLogError, "======Read File: " << path.c_str() << " File too large!======");
     return {};
   }
   std::vector<uint8_t> bytes(static_cast<std::size_t>(status.st_size));

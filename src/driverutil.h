@@ -104,7 +104,8 @@ class DriverUtil {
   // first pack that is too long or that the file is too short for. 0, also where there is no file.
   // In proto/data_cardfiles.cpp, since it reads what a file holds.
   int32_t LoadRvCfgToRecvCard(uint32_t load_index);
-  // All bytes of a numbered file; none, logged, where it isn't there or can't be read.
+  // All bytes of a numbered file; none, logged, where it isn't there, can't be read, or is larger
+  // than the registers for files, 8 MiB.
   std::vector<uint8_t> ReadRvFile(uint32_t load_index);
   // Reads `length` bytes at `addr` of the file at device path `buff`. 0, or errno.
   int32_t ReadBytesFromrecvcard(uint8_t FlashNum, uint32_t addr, uint32_t length, uint8_t* data,

@@ -9,6 +9,7 @@ namespace ZEPH_MCUC {
 
 std::optional<std::size_t> CardFileTable::EntryOf(uint32_t reg) const {
   for (std::size_t i = 0; i < count; ++i) {
+    if (address[i] < cardfiles::kBase) continue;  // begins outside the space and holds nothing
     if (address[i] <= reg && address[i + 1] > reg) return i;
   }
   return std::nullopt;

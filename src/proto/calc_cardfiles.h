@@ -41,7 +41,8 @@ struct CardFileTable {
   std::array<uint8_t, cardfiles::kMostFiles + 1> index{};
   std::array<uint32_t, cardfiles::kMostFiles + 1> address{};
 
-  // The entry whose file holds register `reg`; nothing where no file does.
+  // The entry whose file holds register `reg`; nothing where no file does. A file that is said to
+  // begin in front of the space holds none: its bytes would lie far behind its start.
   std::optional<std::size_t> EntryOf(uint32_t reg) const;
 };
 

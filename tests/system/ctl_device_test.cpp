@@ -95,7 +95,8 @@ TEST_F(CtlCommands, MappingIsWhatTheFirstCardSays) {
 TEST_F(CtlCommands, TestPointReadsItsCellBack) {
   EXPECT_EQ(CtlOut({"testpoint", "0x600100", "0x5A"}), "cell 0x00600100 reads 5a");
   EXPECT_EQ(device::Fpga(0x600100, 1), "5a");
-  EXPECT_EQ(Ctl({"testpoint", "0x1000000", "1"}).status, 2);
+  EXPECT_EQ(CtlOut({"testpoint", "0x1FFFFFF", "7"}), "cell 0x01FFFFFF reads 07");
+  EXPECT_EQ(Ctl({"testpoint", "0x2000000", "1"}).status, 2);
   EXPECT_EQ(Ctl({"testpoint", "0x600100", "256"}).status, 2);
 }
 

@@ -94,7 +94,7 @@ TEST(CardFiles, HeaderIsSortedByAddressAndRefusedWhereItCannotBe) {
 }
 
 TEST(CardFiles, RegisterBelongsToTheFileThatBeginsBeforeIt) {
-  const auto table = ReadCardFileHeader(Header(3, {0x3000, 0x2000, 0x00900000}));
+  const auto table = ReadCardFileHeader(Header(4, {0x3000, 0x2000, 0x00900000, 0xF1000000}));
   ASSERT_TRUE(table.has_value());
   struct Case {
     std::uint32_t reg;
@@ -355,13 +355,18 @@ TEST(Replay, PacketsCarryTheFilesBytes) {
   EXPECT_TRUE(trace.Take().starts_with("card W 1 255 65535 0x02000002 4 0 01020304 "));
 }
 
-TEST(Replay, MissingFileAndPlacesOutsideTheImageSendNothing) {
+TEST(Replay, MissingOrHugeFileAndPlacesOutsideTheImageSendNothing) {
   device::Begin("card flash");
   device::Log log(0);
   DriverUtil::getInstance()->LoadRvCfgToRecvCard(31);
   EXPECT_EQ(
       log.Take(),
       "Error ======Read File: /usr/zeph/etc/owd/cabCfg/RvCfgFile_31.rcfgx File Not exist!======\n");
+  const std::string large = "usr/zeph/etc/owd/cabCfg/RvCfgFile_30.rcfgx";
+  board_kit::Put(large, "");
+  std::filesystem::resize_file(board_kit::Named() / large, std::uintmax_t{1} << 40);
+  DriverUtil::getInstance()->LoadRvCfgToRecvCard(30);
+  EXPECT_EQ(log.Take(), "Error ======Read File: /" + large + " File too large!======\n");
   const Data file = FileOf({{1, 0, 4}});
   board_kit::StoreFlash(0x1000, file);                      // where an offset that wraps would lead
   board_kit::StoreFlash(0xF00000, file);                    // right behind the image
