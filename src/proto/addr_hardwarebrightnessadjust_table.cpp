@@ -75,6 +75,7 @@ void StartAlone(const Brightness::Flag* plan) {
 }
 
 void StopAll() {
+  Brightness::PlanChanges = Brightness::PlanChanges + 1;
   ChoosePlan(nullptr);
   StopRepeats();
   for (Brightness::Flag* flag :
