@@ -152,7 +152,8 @@ const Command kBrightnessExport{
     "export",
     "Write the plan that the device holds as a file",
     "  quivordctl brightness export plan.json\n"
-    "  quivordctl brightness export && quivordctl --board /tmp/other brightness plan plan.json\n"
+    "  quivordctl brightness export plan.json && quivordctl --board /tmp/other brightness plan "
+    "plan.json\n"
     "Sent to a device, the file gives the same table, byte for byte.",
     DeclareExport,
 };

@@ -2,20 +2,16 @@
 // table that names every register's file rightly or nothing at all, and the packs of a file lie in
 // it, one behind the other. The client's own reading of both agrees.
 #include <algorithm>
-#include <cstdlib>
 #include <numeric>
 
 #include "cardfiles/image.h"
 #include "proto/calc_cardfiles.h"
+#include "want.h"
 
 namespace {
 
 using namespace ZEPH_MCUC;
 using Bytes = std::span<const uint8_t>;
-
-void Want(bool holds) {
-  if (!holds) std::abort();
-}
 
 void ReadHeader(Bytes bytes) {
   const auto table = ReadCardFileHeader(bytes);

@@ -8,8 +8,6 @@
 #include "wall/file.h"
 #include "world.h"
 
-using world::Want;
-
 namespace {
 
 void ReadPlan(std::string_view text) {

@@ -5,18 +5,14 @@
 #include <platform/edid.h>
 
 #include <algorithm>
-#include <cstdlib>
 
 #include "process/calc_edid.h"
 #include "video/edid_facts.h"
+#include "want.h"
 
 namespace {
 
 using namespace ZEPH_MCUC;
-
-void Want(bool holds) {
-  if (!holds) std::abort();
-}
 
 EdidImage Model() {
   ModifyEDIDData_t request{};

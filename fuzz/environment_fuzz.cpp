@@ -8,8 +8,6 @@
 #include "proto/data_common.h"
 #include "world.h"
 
-using world::Want;
-
 namespace {
 
 bool IsKey(std::string_view key) {

@@ -7,7 +7,6 @@
 #include "world.h"
 
 using namespace ZEPH_MCUC;
-using world::Want;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::vector<std::uint8_t> bytes(data, data + size);

@@ -19,7 +19,6 @@
 #include "world.h"
 
 using namespace ZEPH_MCUC;
-using world::Want;
 
 namespace {
 

@@ -5,17 +5,13 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <span>
+
+#include "want.h"
 
 namespace world {
 
 using Bytes = std::span<const std::uint8_t>;
-
-// What a target expects; the fuzzer reports the input that breaks it.
-inline void Want(bool holds) {
-  if (!holds) std::abort();
-}
 
 // Makes the board and joins the daemon, once; the calls below do it first.
 void Start();

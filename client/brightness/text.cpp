@@ -58,9 +58,11 @@ std::string StandingText(const Plan& plan, const table::Moment& now) {
   if (!standing.has_value()) return "in force: no node";
   const auto lines = NodeLines(plan);
   const NodeLine& node = lines[standing->node];
-  std::string text = "in force: node " + Number(standing->node) + ", since " + node.time + ": " +
-                     node.what +
-                     (standing->today ? "" : " (not today: the screen stays as it was)");
+  // Whether the outside device is heard right now, no register says.
+  std::string text =
+      plan.kind == Kind::kHardware ? "in force while the device is silent" : "in force";
+  text += ": node " + Number(standing->node) + ", since " + node.time + ": " + node.what +
+          (standing->today ? "" : " (not today: the screen stays as it was)");
   if (standing->next.has_value()) {
     const NodeLine& next = lines[*standing->next];
     text += "\nnext: node " + Number(*standing->next) + " at " + next.time + ", in " +

@@ -99,8 +99,9 @@ class Addr_HardWareBrightnessAdjust
   // Sends `brightness` to all cards of `port`, 0xFF for all ports.
   static void SendBrightness(u8 port, u8 brightness);
   // Goes from `CurrentBri` to `TargetBri` one by one, `DelayMs` apart, where brightness is to
-  // change gradually; else at once.
-  static void SmartAdjustGlobalBrightness(u8 PortAddress, u8 CurrentBri, u8 TargetBri, int DelayMs);
+  // change gradually; else at once. False where a plan was started or stopped meanwhile: what the
+  // cards show is its business from then on, so the way ends there.
+  static bool SmartAdjustGlobalBrightness(u8 PortAddress, u8 CurrentBri, u8 TargetBri, int DelayMs);
   // Sends four colour bytes to all cards of a port on the FPGA's own road.
   static void AdjustCurrentComponentBrightness(u8 PortAddress, u8 RBrightness, u8 GBrightness,
                                                u8 BBrightness, u8 VRBrightness);
@@ -139,6 +140,9 @@ class Addr_HardWareBrightnessAdjust
   static inline constinit Flag RtcIntOccurArrived{DISABLE};  // the clock reached the armed time
   static inline constinit Flag BriBroadcastEnable{DISABLE};  // repeat a fixed brightness
   static inline constinit Flag BriBroadcastArrived{DISABLE};
+
+  // Counts the starts of a plan, and the stops of all. A ramp that sees it change is out of date.
+  static inline constinit vu32 PlanChanges;
 
   // The header of the mix, as it was when the plan started.
   static inline constinit vu32 ConfigFileLength;

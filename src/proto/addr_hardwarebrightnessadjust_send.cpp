@@ -32,13 +32,16 @@ void Brightness::SendBrightness(u8 port, u8 brightness) {
   NewSendReceiveCardPara(brightness::kCardBrightness, port, brightness::kAllBoards, 1, &brightness);
 }
 
-void Brightness::SmartAdjustGlobalBrightness(u8 PortAddress, u8 CurrentBri, u8 TargetBri,
+bool Brightness::SmartAdjustGlobalBrightness(u8 PortAddress, u8 CurrentBri, u8 TargetBri,
                                              int DelayMs) {
   const bool gradual = GradualAdjustControl && CurrentBri != TargetBri;
+  const uint32_t plan = PlanChanges;
   for (const uint8_t value : brightness::RampValues(CurrentBri, TargetBri, gradual)) {
+    if (PlanChanges != plan) return false;
     SendBrightness(PortAddress, value);
     if (gradual) Delay(DelayMs);
   }
+  return PlanChanges == plan;
 }
 
 void Brightness::AdjustCurrentComponentBrightness(u8 PortAddress, u8 RBrightness, u8 GBrightness,

@@ -120,6 +120,7 @@ void StartMix() {
 }  // namespace
 
 void Brightness::BrightnessAdjustInit() {
+  PlanChanges = PlanChanges + 1;
   if (ProgrammableAdjustEnable) {
     StartList();
   } else if (AutoBrightnessAdjustEnable) {

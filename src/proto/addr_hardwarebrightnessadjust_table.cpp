@@ -75,6 +75,7 @@ void StartAlone(const Brightness::Flag* plan) {
 }
 
 void StopAll() {
+  Brightness::PlanChanges = Brightness::PlanChanges + 1;
   ChoosePlan(nullptr);
   StopRepeats();
   for (Brightness::Flag* flag :
@@ -168,7 +169,12 @@ void Brightness::SetBrightnessAdjustTable(uint32_t addr, uint16_t length, const 
     if (write.end() <= kImageSize) ProgrammableTimeTableArray.write(write.offset, write.data);
     if (write.IsByteAt(0)) StoreMode(write.data[0]);
     mode = ProgrammableTimeTableArray[0];
-    if (IsPiece(mode, write)) StorePiece(write);
+    if (IsPiece(mode, write)) {
+      StorePiece(write);
+      // A piece that begins in the image and ends behind it: what it has of the image is there too,
+      // or the next store of the image would bring the old bytes back.
+      ProgrammableTimeTableArray.write(write.offset, write.data);
+    }
   }
   if (mode == brightness::kListMode) {
     StartAlone(&ProgrammableAdjustEnable);

@@ -27,17 +27,21 @@ void TakeArrival(const Brightness::Flag& plan) {
   Brightness::ProgrammableAdjustArrived = ENABLE;
 }
 
-// Brings the mix to `percent`, by a ramp where it has a value to start from.
-void GoTo(u8 percent) {
+// Brings the mix to `percent`, by a ramp where it has a value to start from. False where another
+// plan has started, or all were stopped, during the ramp: what there is to remember is then theirs.
+bool GoTo(u8 percent) {
   const u8 value = brightness::FromPercent(percent);
   if (Brightness::MixBriAdjOccured != 0) {
-    Brightness::SmartAdjustGlobalBrightness(brightness::kAllPorts, Brightness::LastGlobalBri, value,
-                                            kRampStep_ms);
+    if (!Brightness::SmartAdjustGlobalBrightness(brightness::kAllPorts, Brightness::LastGlobalBri,
+                                                 value, kRampStep_ms)) {
+      return false;
+    }
   } else {
     Brightness::SendBrightness(brightness::kAllPorts, value);
   }
   Brightness::MixBriAdjOccured = 1;
   Brightness::LastGlobalBri = value;
+  return true;
 }
 
 void ArriveAtSensorNode() {
@@ -48,13 +52,14 @@ void ArriveAtSensorNode() {
   Brightness::BriBroadcastArrived = DISABLE;
 }
 
-void ArriveAtFixedNode(const brightness::MixNode& node) {
+bool ArriveAtFixedNode(const brightness::MixNode& node) {
   Brightness::MixAutoBriAdjustEnable = DISABLE;
   Brightness::AutoBrightnessAdjustCnt = 0;
-  GoTo(node.percent);
+  if (!GoTo(node.percent)) return false;
   Brightness::BriBroadcastCnt = 0;
   Brightness::BriBroadcastEnable = ENABLE;
   Brightness::BriBroadcastArrived = DISABLE;
+  return true;
 }
 
 bool MixRuns() { return Brightness::MixBrightnessAdjustEnable && Brightness::MixBriAdjustControl; }
@@ -69,7 +74,11 @@ void ArriveInMix() {
   if (node.state != brightness::TableState::kThere) {
     Brightness::LogAbsent("node that is due", node.state);
   } else if (brightness::AppliesAtArrival(node.table, Brightness::Now())) {
-    node.table.sensor ? ArriveAtSensorNode() : ArriveAtFixedNode(node.table);
+    if (node.table.sensor) {
+      ArriveAtSensorNode();
+    } else if (!ArriveAtFixedNode(node.table)) {
+      return;  // the other plan has armed its own node
+    }
   }
   Brightness::InsertInterruptTimeToQueue(1);
 }
@@ -183,10 +192,10 @@ void Act(WatchAction action) {
 
 void Brightness::TimeToOver_Handler() {
   const auto look = brightness::LookAtArmed(INT_Once, TimeIntHour, TimeIntMin, Now());
-  INT_Once = look.state;
   if (look.met) {
     MCUC_LOG(kLogInfo,
              "*********************** Brightness TIME INT Comming ***********************");
+    INT_Once = look.state;  // only now: a plan that starts at this moment may have armed its node
   }
   if (!look.reached) return;
   MCUC_LOG(kLogInfo,

@@ -40,9 +40,10 @@ uint8_t ListNodeInForce(std::span<const uint16_t> nodeKeys, uint16_t key);
 // Weekdays play no part.
 uint16_t MixNodeInForce(std::span<const MixNode> nodes, uint16_t key);
 
-// The node behind `index` in a ring of `count`.
+// The node behind `index` in a ring of `count`; the first where `index` lies in no such ring, as
+// that of a longer list does when a shorter one has just taken its place.
 constexpr uint32_t NextInRing(uint32_t index, uint32_t count) {
-  return count == 0 || index == count - 1 ? 0 : index + 1;
+  return index + uint64_t{1} < count ? index + 1 : 0;
 }
 
 // A weekday mask's bit 0 is Sunday where a plan starts, and Monday where a node's time arrives.

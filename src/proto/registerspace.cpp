@@ -46,6 +46,19 @@ void InitMap(const SpaceNames& names, std::span<const RowFunction> functions, Sp
   }
 }
 
+namespace {
+
+void LogRefusal(const SpaceNames& names, const QMB_proto3rd& msg, const char* what) {
+  if (names.saysAddress) {
+    MCUC_LOG(kLogError, "=== " << names.className << " ===" << what << ", addr = " << CTrace::hex
+                               << msg.proto.m_uiRegisterUnitAddress);
+  } else {
+    MCUC_LOG(kLogError, "=== " << names.className << " ===" << what);
+  }
+}
+
+}  // namespace
+
 JSHL_Type_e Command(const SpaceNames& names, State* state, QMB_proto3rd* msg) {
   if (!names.rowsChecked) {
     Fshl_cmd* row = &state->cmd_tblOffset[0];
@@ -55,13 +68,14 @@ JSHL_Type_e Command(const SpaceNames& names, State* state, QMB_proto3rd* msg) {
       state->m_mapProtoOffsetShl.find(msg->proto.m_uiRegisterUnitAddress & names.mask);
   if (found == state->m_mapProtoOffsetShl.end()) {
     msg->proto.m_ucAck = JSHL_invalidCMD;
-    MCUC_LOG(kLogError, "=== " << names.className << " ===invalid register access");
+    LogRefusal(names, *msg, "invalid register access");
     return JSHL_invalidCMD;
   }
   Fshl_cmd* row = found->second.cmd;
   Fcheck_func check{row->cmdType, row->cmdLen};
   if (const JSHL_Type_e fault = row->check_fun(&check, msg); fault != JSHL_OK) {
     msg->proto.m_ucAck = JSHL_invalidCMD;
+    if (names.saysAddress) LogRefusal(names, *msg, "check fun failed");
     return fault;
   }
   return row->called_fun(msg, row, 0);

@@ -72,7 +72,8 @@ struct SpaceNames {
   uint32_t offsetMask;        // the address bits that say where in the space an access begins
   int32_t least;              // bytes in one access, fewest and most
   int32_t most;
-  bool rowsChecked = true;  // false: no row is looked up and `least` and `most` are not checked
+  bool rowsChecked = true;   // false: no row is looked up and `least` and `most` are not checked
+  bool saysAddress = false;  // what the rows refuse is logged with its address
   std::span<const RowNames> rows = {};
   AccessRule read = {};
   AccessRule write = {};

@@ -272,6 +272,7 @@ constinit const SpaceNames kBrightnessSpace{
     .offsetMask = kLargeOffsetMask,
     .least = 1,
     .most = 512,
+    .saysAddress = true,
     .rows = kBrightnessRows,
     .write = {.areas = kBrightnessWrites},
 };

@@ -147,6 +147,7 @@ TEST(BrightnessTime, ReachesAnArmedMinuteOnce) {
   EXPECT_EQ(NextInRing(1, 3), 2U);
   EXPECT_EQ(NextInRing(2, 3), 0U);
   EXPECT_EQ(NextInRing(0, 1), 0U);
+  EXPECT_EQ(NextInRing(7, 3), 0U) << "a ring that has become shorter";
 }
 
 TEST(BrightnessLux, AveragesWithoutTheSmallestAndTheLargest) {

@@ -7,8 +7,10 @@
 #include <functional>
 #include <random>
 #include <set>
+#include <thread>
 
 #include "board/faults.h"
+#include "proto/addr_hardwarebrightnessadjust.h"
 #include "support/board_kit.h"
 #include "support/brightness_bytes.h"
 #include "support/loop.h"
@@ -147,6 +149,58 @@ TEST(BrightnessFaults, ACutLeavesTheOldListOrTheNewOneOrNone) {
 TEST(BrightnessFaults, ACutLeavesAMixThatStarts) {
   board_kit::Configure("speed = 2000\ntrace = card\n");
   SweepCuts([] { Upload(LongMix(20)); }, [] { Upload(LongMix(60)); }, 51, 153);
+}
+
+// --- A plan that comes during a ramp
+
+TEST(BrightnessFaults, ARampEndsWithItsPlan) {
+  using Brightness = Addr_HardWareBrightnessAdjust;
+  board_kit::Configure("speed = 20\ntrace = card\n");  // the ramp takes 0.6 seconds
+  loop::Start(kNoon);
+  loop::Pass();
+  const Mix ramps{.nodes = {{8, 0, false, 0x7F, 0}, {12, 1, false, 0x7F, 100}}};
+  struct Case {
+    const char* what;
+    std::function<void()> change;
+    int last;  // value that the cards got, below 0 for one of the ramp
+    int armed;
+  };
+  const Mix next{.nodes = {{10, 0, false, 0x7F, 20}, {14, 0, false, 0x7F, 60}}};
+  const Case kCases[] = {
+      {"a list",
+       [] {
+         UploadList(brightness_bytes::List({{8, 0, 100}, {9, 0, 101}}));
+       },
+       101, 0},
+      {"another mix", [&] { Upload(next.Bytes()); }, 51, 1},
+      {"switched off", [] { Write(12, {0}); }, -1, -1},
+      {"no plan", [] { Write(0, {0}); }, -1, -1},
+  };
+  std::size_t seen = 0;
+  for (const Case& c : kCases) {
+    SCOPED_TRACE(c.what);
+    loop::SetBoardTime_us((kNoon + 50) * loop::kSecond_us);
+    Upload(ramps.Bytes());
+    Values(&seen);
+    std::thread client([&] {
+      for (int look = 0; look < 5000 && Values(&seen).empty(); ++look) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+      }
+      c.change();
+    });
+    loop::Passes(100);
+    client.join();
+    const std::set<int> sent = Values(&seen);
+    EXPECT_FALSE(sent.contains(255)) << "the ramp went on to its end";
+    unsigned last = 0;
+    std::sscanf(board_kit::TraceLines().back().c_str(), "card W 1 %*u %*u 0x02000001 1 %*d %x",
+                &last);
+    if (c.last >= 0) {
+      EXPECT_EQ(last, static_cast<unsigned>(c.last));
+      EXPECT_EQ(Brightness::INT_Once, brightness::kArmed);
+      EXPECT_EQ(Brightness::RtcIndex, c.armed) << "the ring belongs to the new plan";
+    }
+  }
 }
 
 // --- Random plans

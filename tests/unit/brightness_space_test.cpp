@@ -434,6 +434,21 @@ TEST(BrightnessSpace, ANewLimitStoresTheImageAndLosesNothing) {
   EXPECT_EQ(Stored(0, area.size()), area);
 }
 
+TEST(BrightnessSpace, AFileInPiecesOfAnySizeOutlivesANewLimit) {
+  StartAt(kNoon);
+  loop::Pass();
+  const Data file =
+      Mix{.nodes = std::vector<brightness_bytes::Node>(40, {0, 0, false, 0x7F, 20})}.Bytes();
+  for (std::size_t at = 0; at < file.size(); at += 300) {
+    const std::size_t end = std::min<std::size_t>(at + 300, file.size());
+    Write(static_cast<uint32_t>(at), {file.begin() + static_cast<std::ptrdiff_t>(at),
+                                      file.begin() + static_cast<std::ptrdiff_t>(end)});
+  }
+  EXPECT_EQ(SentValues(), Values{51});
+  KeepAlive(61);
+  EXPECT_EQ(Stored(0, file.size()), file);
+}
+
 TEST(BrightnessSpace, AScreenSetsThePortsThatItNames) {
   StartAt(kNoon, "card fpga");
   const auto write = [](uint32_t address, const Data& data) {
