@@ -109,7 +109,7 @@ enum class Meets : uint8_t {
   kNoRow,    // the space has no row for it
   kLength,   // fewer or more bytes than the row takes
   kPastEnd,  // not wholly inside what the space holds
-  kDropped,  // would be answered, yet bytes outside would go nowhere
+  kDropped,  // would be answered, yet bytes outside would go nowhere, or not come
   kRefused,  // the space takes no reads, or no writes, here
 };
 

@@ -34,6 +34,7 @@ constexpr Area kFeatureAreas[] = {{0, 512}};
 constexpr Exact kFeatureReads[] = {{0x0FFF, 0x4B, 1, Service::kServed}};  // always one byte 0
 
 constexpr RowNames kScreenInfoEchoRows[] = {{0x02100000, "screen info echo", "screen info echo"}};
+constexpr Area kScreenInfoEchoReads[] = {{0, 0x188}};
 constexpr Area kScreenInfoEchoWrites[] = {{0, 32}};
 
 constexpr RowNames kHCInteractionRows[] = {
@@ -159,6 +160,7 @@ constinit const SpaceNames kScreenInfoEchoSpace{
     .least = 1,
     .most = 1024,
     .rows = kScreenInfoEchoRows,
+    .read = {.outside = Outside::kDropped, .areas = kScreenInfoEchoReads},
     .write = {.outside = Outside::kDropped, .areas = kScreenInfoEchoWrites},
 };
 

@@ -11,7 +11,8 @@ namespace ZEPH_MCUC {
 namespace {
 
 constexpr uint64_t kBusyPause_us = 100;
-constexpr uint64_t kIdlePause_us = 990;  // a look for work, not a wait that a board's speed shortens
+// A look for work, shorter than the waits that a fast board makes shorter still.
+constexpr uint64_t kIdlePause_us = 990;
 constexpr auto kBusyFor = std::chrono::seconds(1);
 
 int32_t Failed(const char* owner, const char* call, const char* what, int code) {

@@ -27,16 +27,20 @@ class ReadyDaemon {
                                                                  ready.set_value();
                                                              }})
                                    .value());
+    // Once answered, it is known on the bus.
+    EXPECT_TRUE(bool(owd->Call({.address = kFeatures, .length = 1}, kLimit)));
     board::FinishFpgaLoad();
-    EXPECT_EQ(ready.get_future().wait_for(std::chrono::seconds(30)), std::future_status::ready);
+    EXPECT_EQ(ready.get_future().wait_for(kLimit), std::future_status::ready);
   }
 
   Daemon& operator*() { return daemon_; }
   Daemon* operator->() { return &daemon_; }
 
  private:
+  static constexpr auto kLimit = std::chrono::seconds(30);
   static constexpr std::uint32_t kOwd = 0x0A3900;
   static constexpr std::uint32_t kReady = 0x14000000;
+  static constexpr std::uint32_t kFeatures = 0x02000000;
 
   static std::filesystem::path Folder(const std::string& configuration) {
     board_kit::Configure(configuration);

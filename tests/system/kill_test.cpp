@@ -9,6 +9,7 @@
 
 #include "board/power.h"
 #include "support/device.h"
+#include "support/inprocess.h"
 #include "support/model_peer.h"
 #include "support/ready_daemon.h"
 #include "support/run.h"

@@ -78,6 +78,7 @@ TEST(RegisterSpaceNames, ReadsMeetWhatTheDaemonAnswers) {
       {0x02000000, 0, Meets::kLength},     //
       {0x02000000, 1025, Meets::kLength},  //
       {0x02010000, 4, Meets::kNoSpace},    //
+      {0x02100100, 393, Meets::kDropped},  // one more than there is
       {0x022001FF, 1, Meets::kServed},     // reads have no end there
       {0x03000000, 0xA000, Meets::kServed}, {0x03009FFF, 2, Meets::kPastEnd},
       {0x031002FF, 1, Meets::kServed},      {0x031002FF, 2, Meets::kPastEnd},

@@ -31,13 +31,13 @@ std::string Lengths(const SpaceNames& space) {
 
 void Add(std::string& text, const std::string& more) { text += (text.empty() ? "" : "; ") + more; }
 
-std::string AreasText(const AccessRule& rule) {
+std::string AreasText(const AccessRule& rule, const char* dropped) {
   std::string text;
   for (const Area& area : rule.areas) {
     text += (text.empty() ? "" : ", ") + Hex(area.begin) +
             (area.end - area.begin > 1 ? " to " + Hex(area.end - 1) : "");
   }
-  if (rule.outside == Outside::kDropped) text += ", bytes outside go nowhere";
+  if (rule.outside == Outside::kDropped) text += std::string(", ") + dropped;
   return text;
 }
 
@@ -46,11 +46,21 @@ std::string ExactText(const Exact& exact) {
   return exact.service == Service::kNothing ? what + ": answered without bytes" : what;
 }
 
-std::string RuleText(const AccessRule& rule, const char* nothing) {
+// How an access is said to go where it does nothing, and in part.
+struct Manner {
+  const char* nothing;
+  const char* dropped;
+};
+constexpr Manner kReads = {"answered without bytes", "bytes outside don't come"};
+constexpr Manner kWrites = {"answered, nothing is kept", "bytes outside go nowhere"};
+
+std::string RuleText(const AccessRule& rule, const Manner& manner) {
   std::string text;
-  if (rule.service == Service::kNothing) text = nothing;
+  if (rule.service == Service::kNothing) text = manner.nothing;
   if (rule.service == Service::kRefused) text = rule.exact.empty() ? "refused" : "nothing but";
-  if (rule.service == Service::kServed) text = rule.areas.empty() ? "everywhere" : AreasText(rule);
+  if (rule.service == Service::kServed) {
+    text = rule.areas.empty() ? "everywhere" : AreasText(rule, manner.dropped);
+  }
   if (rule.most != 0) Add(text, "at most " + Bytes(rule.most));
   for (const Exact& exact : rule.exact) {
     if (text == "nothing but") {
@@ -67,9 +77,8 @@ std::string RuleText(const AccessRule& rule, const char* nothing) {
 std::string SpacesPart() {
   Rows rows;
   for (const SpaceNames* space : kSpaces) {
-    rows.push_back({Keys(*space), NameOf(*space), Lengths(*space),
-                    RuleText(space->read, "answered without bytes"),
-                    RuleText(space->write, "answered, nothing is kept"), Code(space->className)});
+    rows.push_back({Keys(*space), NameOf(*space), Lengths(*space), RuleText(space->read, kReads),
+                    RuleText(space->write, kWrites), Code(space->className)});
   }
   return Table({"Registers from", "Space", "Bytes at once", "Reads", "Writes", "Class"}, rows);
 }
