@@ -1,9 +1,13 @@
 #include "board/cells.h"
 
+#include <fcntl.h>
+
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cerrno>
 #include <cstring>
+#include <memory>
 #include <numeric>
 
 #include "board/board.h"
@@ -48,6 +52,36 @@ std::byte* Cells(int index) {
   static const std::array<std::byte*, kFpgas> cells = {
       MapShared(CellFile(Folder(), 0), kCellCount), MapShared(CellFile(Folder(), 1), kCellCount)};
   return cells[static_cast<std::size_t>(index)];
+}
+
+constexpr std::uint32_t kPage = 4096;
+
+// Which pages of the files have room on disk, as far as is known, and what gives it to them.
+struct Room {
+  std::array<FileHandle, kFpgas> files;
+  std::array<std::array<std::atomic<bool>, kCellCount / kPage>, kFpgas> known{};
+};
+
+Room& RoomOfCells() {
+  static Room& room = *[] {
+    auto made = std::make_unique<Room>();
+    for (int index = 0; index < kFpgas; ++index) {
+      made->files[static_cast<std::size_t>(index)] =
+          FileHandle(open(CellFile(Folder(), index).c_str(), O_RDWR | O_CLOEXEC));
+    }
+    return made.release();
+  }();
+  return room;
+}
+
+bool ReservePage(std::size_t index, std::uint32_t page) {
+  auto& known = RoomOfCells().known[index][page];
+  if (known.load(std::memory_order_relaxed)) return true;
+  const int file = RoomOfCells().files[index].get();
+  const bool room =
+      fallocate(file, 0, off_t{page} * kPage, kPage) == 0 || (errno != ENOSPC && errno != EDQUOT);
+  if (room) known.store(true, std::memory_order_relaxed);
+  return room;
 }
 
 // Cells are moved by relaxed atomic accesses, as wide as their place allows.
@@ -150,6 +184,16 @@ void StoreCells(int index, std::uint32_t address, std::uint32_t length, const vo
   });
 }
 
+bool ReserveCells(int index, std::uint32_t address, std::uint32_t length) {
+  bool room = true;
+  ForPieces(address, length, [&](std::uint32_t cell, std::uint32_t piece, std::uint32_t) {
+    for (std::uint32_t page = cell / kPage; page <= (cell + piece - 1) / kPage; ++page) {
+      room = room && ReservePage(static_cast<std::size_t>(index), page);
+    }
+  });
+  return room;
+}
+
 void StoreBusCells(int index, std::uint32_t address, std::uint32_t length, const void* data) {
   const auto* const bytes = static_cast<const std::byte*>(data);
   ForPieces(address, length, [&](std::uint32_t cell, std::uint32_t piece, std::uint32_t done) {
@@ -161,7 +205,6 @@ void StoreBusCells(int index, std::uint32_t address, std::uint32_t length, const
 
 void ClearCells(int index) {
   // Only what is not 0 already is written, so that the file stays sparse.
-  constexpr std::uint32_t kPage = 4096;
   static constexpr std::array<std::uint8_t, kPage> kZero{};
   std::array<std::uint8_t, kPage> page{};
   for (const FilePart& part : FilledParts(CellFile(Folder(), index))) {

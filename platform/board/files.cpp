@@ -15,6 +15,8 @@
 namespace board {
 namespace {
 
+constexpr std::size_t kSmall = 4096;  // files up to this get their room when they are made
+
 std::string Reason() { return std::strerror(errno); }
 
 }  // namespace
@@ -84,6 +86,11 @@ bool CreateSized(const std::filesystem::path& path, std::size_t size) {
   if (static_cast<std::size_t>(status.st_size) < size &&
       ftruncate(file.get(), static_cast<off_t>(size)) != 0) {
     Fail("cannot enlarge " + path.string() + ": " + Reason());
+  }
+  // Whoever maps a file touches it without asking for room, and a full disk would end him.
+  if (size <= kSmall && fallocate(file.get(), 0, 0, static_cast<off_t>(size)) != 0 &&
+      errno == ENOSPC) {
+    Fail("no room for " + path.string());
   }
   return is_new;
 }

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -24,10 +25,11 @@ namespace fs = std::filesystem;
 constexpr std::size_t kLongestSocketPath = 107;  // sun_path without its closing zero
 
 constexpr const char* kFolders[] = {
-    "run",    "var/run",     "fpga", "sys/class/fpga", "etc/init.d", "usr/zeph/etc/envcfg",
-    "log",    "tmp/quivord", "root", "usr/brm100/bin", "bin",        "usr/zeph/etc/owd/cabCfg",
-    "inputs", "sensors",
+    "run", "var/run",        "fpga", "sys/class/fpga",          "etc/init.d", "usr/zeph/etc/envcfg",
+    "bin", "usr/brm100/bin", "root", "usr/zeph/etc/owd/cabCfg", "inputs",     "sensors",
 };
+// What lands here is lost where there is no such folder; the board works all the same.
+constexpr const char* kSpareFolders[] = {"log", "tmp/quivord"};
 
 const char* NonEmpty(const char* variable) {
   const char* const value = std::getenv(variable);
@@ -41,6 +43,13 @@ void MakeFolder(const fs::path& folder) {
     Fail("cannot make the folder " + folder.string() + ": " +
          (fault ? fault.message() : std::string("something else has its name")));
   }
+}
+
+void MakeSpareFolder(const fs::path& folder) {
+  std::error_code fault;
+  fs::create_directories(folder, fault);
+  if (fs::is_directory(folder)) return;
+  std::fprintf(stderr, "board: cannot make the folder %s: files for it are lost\n", folder.c_str());
 }
 
 // The board folder itself, for its owner only: whoever writes into it runs what the daemon runs.
@@ -79,6 +88,7 @@ Board SetUp() {
   const FileHandle lock = LockFolder(board.folder);  // programs that start at once take turns
   board.settings = ReadSettings(board.folder / "board.conf");
   for (const char* const name : kFolders) MakeFolder(board.folder / name);
+  for (const char* const name : kSpareFolders) MakeSpareFolder(board.folder / name);
   CreateSized(board.folder / "faults", kFaultFileSize);
   CreateSized(board.folder / "clock", 8);
   CreateCells(board.folder, board.settings);

@@ -45,11 +45,12 @@ void TraceAccess(const Access& access, bool done, const void* data) {
   Trace(TraceKind::kFpga, words + Hex(data, done ? access.length : 0));
 }
 
-// Runs `move` unless the access cannot be or is to fail.
+// Runs `move` unless the access cannot be or is to fail; a full disk makes it fail, too.
 template <typename Move>
 std::int32_t Perform(const Access& access, Fault fault, const void* data, Move move) {
   const auto order = TraceOrder(TraceKind::kFpga);
-  const bool done = access.Possible(data) && !TakeFault(fault);
+  const bool done = access.Possible(data) && !TakeFault(fault) &&
+                    ReserveCells(access.index, access.address, access.length);
   if (done) move();
   if (order) TraceAccess(access, done, data);
   return done ? 0 : -1;

@@ -4,7 +4,9 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
+#include <mutex>
 #include <random>
 #include <vector>
 
@@ -74,9 +76,10 @@ void Put(const Write& write, std::string_view bytes) {
   }
 }
 
-// The journal, open and of this sync's age.
+// The journal, open and of this sync's age; false where it can't be written.
 FileHandle OpenJournal() {
   FileHandle file(open(File().c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644));
+  if (!file) return {};
   const std::int32_t syncs = FaultCount(Fault::kSyncCount);
   std::int32_t noted_syncs = 0;
   const bool has_age = pread(file.get(), &noted_syncs, sizeof noted_syncs, 0) == sizeof noted_syncs;
@@ -84,9 +87,20 @@ FileHandle OpenJournal() {
   if (has_age && noted_syncs == syncs && static_cast<std::size_t>(end) < kMostNoted) return file;
   if (ftruncate(file.get(), 0) != 0 || lseek(file.get(), 0, SEEK_SET) != 0 ||
       !WriteAll(file.get(), BytesOf(syncs))) {
-    Fail("cannot write " + File().string());
+    return {};
   }
   return file;
+}
+
+// What can't be noted counts as on disk, and so does all that was noted before it: a journal with a
+// gap would put back more than a power cut takes.
+void GiveUp() {
+  static std::once_flag said;
+  std::call_once(said, [] {
+    std::fprintf(stderr, "board: cannot write %s; a power cut loses no writes until it can\n",
+                 File().c_str());
+  });
+  ForgetWrites();
 }
 
 }  // namespace
@@ -98,7 +112,7 @@ void NoteWrite(Store store, std::uint32_t address, std::span<const std::uint8_t>
   std::string text(BytesOf(where));
   text.append(BytesOf(before)).append(BytesOf(after));
   const FileHandle file = OpenJournal();
-  if (!WriteAll(file.get(), text)) Fail("cannot write " + File().string());
+  if (!file || !WriteAll(file.get(), text)) GiveUp();
 }
 
 void LoseWrites(std::uint32_t seed) {

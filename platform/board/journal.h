@@ -9,7 +9,8 @@
 
 namespace board {
 
-// Notes one write: what the bytes were and what they are now.
+// Notes one write: what the bytes were and what they are now. Where the file can't be written, on a
+// full disk for instance, nothing is noted any more until it can.
 void NoteWrite(Store store, std::uint32_t address, std::span<const std::uint8_t> before,
                std::span<const std::uint8_t> after);
 

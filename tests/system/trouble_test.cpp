@@ -1,0 +1,134 @@
+// What a board's disk and clock may do to the daemon. Each case is a script on a file system of its
+// own, 40 MiB in memory, in name spaces of its own, so that it can be filled up or made read-only.
+#include <gtest/gtest.h>
+
+#include "support/board_kit.h"
+#include "support/run.h"
+
+namespace {
+
+struct Trouble {
+  const char* name;
+  const char* script;    // with `start`, `stop` and `ctl` of the preamble
+  const char* expected;  // what it prints
+};
+
+void PrintTo(const Trouble& trouble, std::ostream* stream) { *stream << trouble.name; }
+
+// `start` runs the daemon and waits until it answers; `ctl` prints nothing but the exit status.
+constexpr char kPreamble[] = R"(
+mount -t tmpfs -o size=40m none "$QUIVORD_BOARD" || exit 77
+"$BIN/quivord-board" create "$QUIVORD_BOARD" speed=20 >/dev/null
+ctl() { "$BIN/quivordctl" --timeout 5 "$@" >/dev/null 2>&1; echo "$1: $?"; }
+start() {
+  "$BIN/quivord" -debug >/dev/null 2>&1 &
+  for i in $(seq 100); do
+    "$BIN/quivordctl" --timeout 1 ping --count 1 >/dev/null 2>&1 && return
+    sleep 0.1
+  done
+  echo "no answer"
+}
+stop() { kill $!; wait $! 2>/dev/null; }
+set_clock() {  # microseconds in front of the machine's time
+  python3 -c 'import struct, sys; sys.stdout.buffer.write(struct.pack("<q", int(sys.argv[1])))' "$1" \
+    >"$QUIVORD_BOARD/clock.new" && cat "$QUIVORD_BOARD/clock.new" 1<>"$QUIVORD_BOARD/clock"
+}
+mkdir -p "$QUIVORD_BOARD/etc/init.d"; touch "$QUIVORD_BOARD/etc/init.d/flag_fpgaload"
+)";
+
+constexpr Trouble kTroubles[] = {
+    {"DiskFullAndFreedAgain",
+     R"(
+start
+dd if=/dev/zero of="$QUIVORD_BOARD/filler" bs=64K 2>/dev/null
+dd if=/dev/zero of="$QUIVORD_BOARD/filler2" bs=512 2>/dev/null
+ctl ping --count 3
+ctl write 0xF0900000 1 2 3 4
+ctl save
+ctl identity set-mac 02:11:22:33:44:66
+ctl status
+rm "$QUIVORD_BOARD"/filler*
+ctl wall configure --rows 2 --columns 2 --cables top-left-rows --per-cable 2 --wait
+stop
+)",
+     "ping: 0\nwrite: 0\nsave: 0\nidentity: 0\nstatus: 0\nwall: 0\n"},
+    {"FoldersGone",
+     R"(
+start
+rm -rf "$QUIVORD_BOARD"/log "$QUIVORD_BOARD"/tmp "$QUIVORD_BOARD"/usr/zeph/etc/owd
+ctl ping --count 3
+ctl save
+ctl wall configure --rows 2 --columns 2 --cables top-left-rows --per-cable 2 --wait
+stop
+start
+ctl wall show
+ls -d "$QUIVORD_BOARD"/log | wc -l
+stop
+)",
+     "ping: 0\nsave: 0\nwall: 0\nwall: 0\n1\n"},
+    {"NoFolderForTheLog",
+     R"(
+rm -rf "$QUIVORD_BOARD/log"; echo >"$QUIVORD_BOARD/log"
+start
+ctl save
+stop
+)",
+     "save: 0\n"},
+    {"StoreTooShort",
+     R"(
+start; stop
+truncate -s 1000 "$QUIVORD_BOARD/usr/zeph/etc/envcfg/brmpara"
+start
+ctl ping
+stat -c %s "$QUIVORD_BOARD/usr/zeph/etc/envcfg/brmpara"
+truncate -s 5000 "$QUIVORD_BOARD/usr/zeph/etc/envcfg/brmpara"
+ctl save
+ctl ping
+stop
+)",
+     "ping: 0\n16777216\nsave: 0\nping: 0\n"},
+    {"ReadOnlyBoardIsRefused",
+     R"(
+start; stop
+mount -o remount,ro "$QUIVORD_BOARD"
+timeout 10 "$BIN/quivord" 2>&1 | grep -c 'Read-only file system'
+)",
+     "1\n"},
+    {"TimeBackwards2038And2106",
+     R"(
+start
+ctl brightness plan "$SOURCE/examples/brightness-mix.json"
+for offset in -800000000000000 400000000000000 3000000000000000 0; do
+  set_clock $offset
+  ctl time
+  ctl brightness show
+done
+ctl time set 2038-01-19 03:14:08
+stop
+)",
+     "brightness: 0\ntime: 0\nbrightness: 0\ntime: 0\nbrightness: 0\ntime: 0\nbrightness: 0\n"
+     "time: 0\nbrightness: 0\ntime: 0\n"},
+};
+
+class Troubles : public testing::TestWithParam<Trouble> {};
+
+TEST_P(Troubles, TheDaemonGoesOn) {
+  board_kit::Put("scripts/run.sh", std::string(kPreamble) + GetParam().script);
+  const std::filesystem::path board = board_kit::Named() / "board";
+  std::filesystem::create_directories(board);
+  const auto run =
+      support::Run({"/usr/bin/unshare", "--map-root-user", "--mount", "--pid", "--fork",
+                    "--kill-child", "/bin/bash", board_kit::Named() / "scripts/run.sh"},
+                   {"QUIVORD_BOARD=" + board.string(), "BIN=" + support::Built("."),
+                    "SOURCE=" + support::Source(".")},
+                   std::chrono::seconds(60));
+  if (run.status == 77 || run.err.find("unshare") != std::string::npos) {
+    GTEST_SKIP() << "no name spaces here: " << run.err;
+  }
+  EXPECT_EQ(run.out, GetParam().expected) << run.err;
+}
+
+INSTANTIATE_TEST_SUITE_P(, Troubles, testing::ValuesIn(kTroubles),
+                         [](const auto& test) { return std::string(test.param.name); });
+
+}  // namespace
