@@ -55,8 +55,8 @@ bool ReplaceWhole(const std::filesystem::path& path, std::string_view text);
 // Creates the file with `text` where there is none.
 void CreateText(const std::filesystem::path& path, std::string_view text);
 
-// Makes a plain file of at least `size` bytes; what is missing is zero and takes no room on disk but in small files.
-// True when there was no such file before.
+// Makes a plain file of at least `size` bytes; what is missing is zero and takes no room on disk
+// but in small files. True when there was no such file before.
 bool CreateSized(const std::filesystem::path& path, std::size_t size);
 
 // Maps the first `size` bytes of a file that `CreateSized` has made, for reading and writing,
