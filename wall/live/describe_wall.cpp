@@ -83,8 +83,8 @@ Json PatternJson(std::span<const std::uint8_t, registers::kUsed> image) {
   return {{"kind", blocks ? "blocks" : "pixels"},
           {"text", wall::PatternText(*pattern)},
           {"note",
-           "place and step are the FPGA's; its colours and levels are not known, so it is "
-           "drawn in white"},
+           "place and step are the generator's; what the FPGA fills it with isn't known, so "
+           "it is drawn in white, of blocks every other one"},
           {"first", {pattern->firstX, pattern->firstY}},
           {"step", {pattern->stepX, pattern->stepY}}};
 }
