@@ -65,12 +65,26 @@ std::string TargetText(const FrameHead& head) {
                      : " of port " + std::to_string(head.portAddress) + ": ");
 }
 
-// Words for a register of the sending card: a feature's name, or the space's.
-std::string RegisterText(std::uint32_t address) {
-  if (address >= feature::kBase && address - feature::kBase < feature::kSize) {
-    const FeatureRegister* row = FindFeatureAt(FeaturePlace::kImage, address - feature::kBase);
-    if (row != nullptr) return std::string(std::string_view(row->name));
+// The feature register, or the FPGA cell by the same name, that an address of the sending card
+// means; null for any other.
+const FeatureRegister* FeatureOf(const FrameHead& head) {
+  constexpr std::uint32_t kCells = 0xF0000000;
+  if (head.deviceType != JSHL_TypeSender) return nullptr;
+  for (const std::uint32_t base : {feature::kBase, kCells}) {
+    const std::uint32_t offset = head.registerAddress - base;
+    if (head.registerAddress < base || offset >= feature::kSize) continue;
+    const FeatureRegister* cell = FindFeatureAt(FeaturePlace::kCell, offset);
+    const FeatureRegister* image = FindFeatureAt(FeaturePlace::kImage, offset);
+    return base == kCells || image == nullptr ? cell : image;
   }
+  return nullptr;
+}
+
+// Words for a register of the sending card: a feature's name, or what its space calls it.
+std::string RegisterText(const FrameHead& head) {
+  const FeatureRegister* named = FeatureOf(head);
+  if (named != nullptr) return named->name.text;
+  const std::uint32_t address = head.registerAddress;
   const SpaceNames* space = FindSpace(address);
   const RowNames* row = space == nullptr ? nullptr : FindRow(*space, address);
   const char* name = row != nullptr ? row->cmdExp : nullptr;
@@ -78,12 +92,10 @@ std::string RegisterText(std::uint32_t address) {
 }
 
 std::string FeatureValue(const FrameHead& head, std::span<const std::uint8_t> data) {
-  if (head.deviceType != JSHL_TypeSender || head.registerAddress < feature::kBase) return "";
-  const std::uint32_t offset = head.registerAddress - feature::kBase;
-  if (offset >= feature::kSize) return "";
-  const FeatureRegister* row = FindFeatureAt(FeaturePlace::kImage, offset);
-  if (row == nullptr || row->offset != offset || row->width != data.size()) return "";
-  return FeatureText(*row, data);
+  const FeatureRegister* row = FeatureOf(head);
+  if (row == nullptr || row->width != data.size()) return "";
+  const bool whole = (head.registerAddress & (feature::kSize - 1)) == row->offset;
+  return whole ? FeatureText(*row, data) : "";
 }
 
 }  // namespace
@@ -110,8 +122,8 @@ std::optional<BusLine> ReadBusLine(std::string_view line) {
 
 std::string SubjectText(const FrameHead& head, std::span<const std::uint8_t> data) {
   const bool ours = head.deviceType == JSHL_TypeSender;
-  std::string text = TargetText(head) + (ours ? RegisterText(head.registerAddress)
-                                              : AddressText(head.registerAddress));
+  std::string text =
+      TargetText(head) + (ours ? RegisterText(head) : AddressText(head.registerAddress));
   if (data.empty()) return text;
   const std::string value = FeatureValue(head, data);
   if (!value.empty()) return text + " = " + value;

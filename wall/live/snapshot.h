@@ -57,7 +57,7 @@ struct Snapshot {
   std::array<std::uint8_t, ZEPH_MCUC::brightness::kAreaSize> plan = {};
   std::array<std::int32_t, board::kFaultCounters> faults = {};
   std::map<std::uint16_t, std::array<std::uint8_t, kEdidBytes>> edids;  // by input id
-  std::string lux;
+  std::string lux = "0";  // what the light sensors see, decimal, or "fail"
 
   std::int64_t now_us = 0;     // the PC's clock, since 1970
   std::int64_t offset_us = 0;  // what the board's clock adds

@@ -15,8 +15,9 @@ const shows = { cables: true, windows: true };
 const kSceneParts = ["wall", "cards", "links", "screen", "picture"];
 
 let state = null, scene = null, picked = null;  // the picked cabinet's port and number
-let waiting = false, frames = 0;
+let waiting = false;
 
+const shown = () => document.dispatchEvent(new Event("wall-shown"));
 const selected = () => scene?.cabinets.find((c) => picked !== null && c.port === picked.port && c.number === picked.number);
 
 function redraw() {
@@ -28,12 +29,12 @@ function redraw() {
 function frame() {
   waiting = false;
   if (scene === null) return;
-  ++frames;
   painter.resize();
   view.settle(scene, canvas.clientWidth, canvas.clientHeight);
   const moving = painter.follow(scene);
-  painter.draw(scene, view, shows, selected());
-  if (moving) redraw();
+  const standsIn = painter.draw(scene, view, shows, selected());
+  if (moving || standsIn) redraw();
+  shown();
 }
 
 // The words over the wall: what it is, and what keeps it dark.
@@ -78,6 +79,7 @@ function take(next, fresh) {
   control.show(state, before);
   showLog(state, before, fresh);
   if (changed) showCabinet(selected(), state);
+  shown();
 }
 
 function trouble(text) {
@@ -183,11 +185,11 @@ new ResizeObserver(() => {
 
 watch(take, trouble);
 
-// For tests and curious people: what is shown, and how often it was drawn.
+// For tests and curious people: what is shown, whether more of it is still to be drawn, and a word
+// whenever that may have changed.
 window.liveWall = {
   get state() { return state; },
   get scene() { return scene; },
-  get frames() { return frames; },
   get moving() { return waiting; },
-  view, zoom, redraw,
+  view, zoom,
 };

@@ -54,9 +54,4 @@ export class View {
   toWall(x, y) {
     return [(x - this.x) / this.scale, (y - this.y) / this.scale];
   }
-
-  sees(cabinet) {
-    const left = this.x + cabinet.x * this.scale, top = this.y + cabinet.y * this.scale;
-    return left < this.width && top < this.height && left + cabinet.width * this.scale > 0 && top + cabinet.height * this.scale > 0;
-  }
 }
