@@ -7,13 +7,11 @@
 
 namespace quivord::live {
 
-void Tail::Begin(std::uint64_t identity, std::uint64_t size) {
-  begun_ = true;
+void Tail::BeginAnew(std::uint64_t identity) {
   identity_ = identity;
+  at_ = 0;
   line_.clear();
   in_the_middle_ = false;
-  at_ = 0;
-  if (size > kFirstRead) SkipTo(size - kFirstRead);
 }
 
 void Tail::SkipTo(std::uint64_t at) {
@@ -38,16 +36,13 @@ void Tail::Take(std::string_view piece, std::vector<std::string>& lines) {
 std::vector<std::string> Tail::Look() {
   std::vector<std::string> lines;
   const FileReader file(file_);
-  if (!file.there()) {
-    begun_ = false;
-    return lines;
-  }
   const std::uint64_t size = file.size();
-  if (!begun_ || file.identity() != identity_ || size < at_) Begin(file.identity(), size);
+  if (file.identity() != identity_ || size < at_) BeginAnew(file.identity());
   if (size - at_ > kMostRead) {
-    passed_over_ += size - kMostRead - at_;
+    if (looked_) passed_over_ += size - kMostRead - at_;
     SkipTo(size - kMostRead);
   }
+  looked_ = true;
   std::string piece(size - at_, '\0');
   if (!file.Read(at_, {reinterpret_cast<std::uint8_t*>(piece.data()), piece.size()})) return lines;
   at_ = size;

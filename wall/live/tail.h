@@ -13,9 +13,8 @@ namespace quivord::live {
 
 class Tail {
  public:
-  static constexpr std::size_t kMostRead = 256 << 10;   // bytes a look
-  static constexpr std::size_t kFirstRead = kMostRead;  // bytes of what was there before
-  static constexpr std::size_t kMostLine = 1024;        // of a longer line, its first bytes
+  static constexpr std::size_t kMostRead = 256 << 10;  // bytes a look
+  static constexpr std::size_t kMostLine = 1024;       // of a longer line, its first bytes
 
   explicit Tail(std::filesystem::path file) : file_(std::move(file)) {}
 
@@ -26,12 +25,12 @@ class Tail {
   std::uint64_t passedOver() const { return passed_over_; }  // bytes
 
  private:
-  void Begin(std::uint64_t identity, std::uint64_t size);
+  void BeginAnew(std::uint64_t identity);
   void SkipTo(std::uint64_t at);
   void Take(std::string_view piece, std::vector<std::string>& lines);
 
   std::filesystem::path file_;
-  bool begun_ = false;
+  bool looked_ = false;
   std::uint64_t identity_ = 0;
   std::uint64_t at_ = 0;        // the first byte that was not read yet
   bool in_the_middle_ = false;  // of a line whose beginning was passed over
