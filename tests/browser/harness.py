@@ -14,6 +14,7 @@ import tempfile
 import time
 import urllib.parse
 
+ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 BUILD = pathlib.Path(os.environ["QUIVORD_BUILD_DIR"])
 LIMIT = 30  # seconds until something that should happen counts as not happening
 

@@ -2,10 +2,13 @@
 
 import json
 import os
+import struct
 import unittest
 
+from selenium.webdriver import ActionChains
+
 from browser import Browser
-from harness import BUILD, Board, Wall, until
+from harness import ROOT, Board, Wall, until
 
 # The colour of the picture in the middle of a quarter of a cabinet, where neither cable nor seam runs.
 COLOUR = """
@@ -149,7 +152,6 @@ class Page(PageCase):
         self.assertGreater(self.browser.run("return liveWall.view.scale"), before)
         self.browser.run("document.getElementById('wall').dispatchEvent(new KeyboardEvent('keydown', { key: '0' }))")
         self.assertAlmostEqual(self.browser.run("return liveWall.view.scale"), before)
-        from selenium.webdriver import ActionChains
         canvas = self.browser.driver.find_element("id", "wall")
         x, y, width, height = self.browser.run("""
           const c = liveWall.scene.cabinets[3], v = liveWall.view;
@@ -225,6 +227,43 @@ class Control(PageCase):
           document.getElementById("fault").value = "card-write";
           document.getElementById("fault-form").requestSubmit();""")
         self.browser.until("liveWall.state.outside.faults['card-write'] === 1")
+
+
+class Picture(PageCase):
+    """Takes the pictures of the documents, into the folder that QUIVORD_PICTURES names."""
+
+    settings = (*(f"port.{port}.cards=24" for port in range(4)), "trace=bus")
+    options = ("--control",)
+
+    def test_it_is_readable_on_a_laptop_and_on_a_large_monitor(self):
+        self.configure(8, 12, "top-left-rows", 24)
+        self.board.ctl("gamma", "upload", "--exponent", "2.2")
+        self.board.ctl("brightness", "plan", str(ROOT / "examples/brightness-list.json"))
+        self.board.ctl("brightness", "set", "80%")
+        self.board.tool("lux", "420")
+        self.board.tool("link", "5", "up")
+        self.browser.until("liveWall.state.cards.ports[0][0][1] === 204 && liveWall.state.links.copper.includes(5)")
+        self.browser.until("document.getElementById('log-rows').innerText.includes('of 4 to 7: 5')")
+        self.browser.run("""
+          const wall = document.getElementById("wall");
+          for (const key of ["PageDown", "PageDown", "ArrowRight", "ArrowRight"]) wall.dispatchEvent(new KeyboardEvent("keydown", { key }));""")
+        folder = os.environ.get("QUIVORD_PICTURES", str(self.board.folder))
+        for name, width, height, least in (("live-wall", 1280, 800, 13), ("live-wall-large", 3840, 2160, 24)):
+            self.browser.size(width, height)
+            self.browser.until(f"liveWall.view.width > {width} * 0.6 && !liveWall.moving")
+            file = f"{folder}/{name}.png"
+            self.assertTrue(self.browser.driver.save_screenshot(file))
+            with open(file, "rb") as png:
+                self.assertEqual(struct.unpack(">II", png.read(24)[16:]), (width, height))
+            small, out, spill = self.browser.run("""
+              const seen = [...document.querySelectorAll("main *, header *")].filter((e) => e.checkVisibility() && !e.classList.contains("hidden"));
+              const texts = seen.filter((e) => [...e.childNodes].some((n) => n.nodeType === 3 && n.data.trim()));
+              return [Math.min(...texts.map((e) => parseFloat(getComputedStyle(e).fontSize))),
+                texts.filter((e) => { const r = e.getBoundingClientRect(); return r.right > innerWidth + 1 || r.left < -1; }).map((e) => e.innerText),
+                [document.documentElement, document.querySelector("aside")].filter((e) => e.scrollWidth > e.clientWidth).map((e) => e.tagName)];""")
+            self.assertGreaterEqual(small, least * 0.85)
+            self.assertEqual((out, spill), ([], []), f"nothing runs out of the page at {width} pixels")
+        self.browser.size(1280, 800)
 
 
 class LargeWall(PageCase):

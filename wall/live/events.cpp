@@ -11,13 +11,18 @@ std::string EventText(const char* name, const Json& data) {
 }
 
 std::string EventStream::Next() {
-  const auto state = publisher_.Await(seen_, kSilence);
-  if (state == nullptr) return publisher_.closed() ? "" : ": nothing has changed\n\n";
-  const auto before = std::exchange(seen_, state);
-  if (before != nullptr) return EventText("patch", Difference(*before, *state));
-  Json document = Document(*state);
-  document.update(fixed_);
-  return EventText("state", document);
+  while (true) {
+    const auto state = publisher_.Await(seen_, kSilence);
+    if (state == nullptr) return publisher_.closed() ? "" : ": nothing has changed\n\n";
+    const auto before = std::exchange(seen_, state);
+    if (before == nullptr) {
+      Json document = Document(*state);
+      document.update(fixed_);
+      return EventText("state", document);
+    }
+    const Json patch = Difference(*before, *state);
+    if (!patch.empty()) return EventText("patch", patch);
+  }
 }
 
 }  // namespace quivord::live

@@ -28,14 +28,14 @@ Json Difference(const Json& before, const Json& after) {
 }
 
 Json Difference(const State& before, const State& after) {
-  State changed_before;
-  State changed_after;
+  Json patch = Json::object();
+  const auto names = SectionNames();
   for (std::size_t i = 0; i < kSections; ++i) {
-    if (before[i] == after[i]) continue;
-    changed_before[i] = before[i];
-    changed_after[i] = after[i];
+    if (before[i] == after[i] || after[i] == nullptr) continue;
+    Json part = before[i] == nullptr ? *after[i] : Difference(*before[i], *after[i]);
+    if (!part.empty()) patch[names[i]] = std::move(part);
   }
-  return Difference(Document(changed_before), Document(changed_after));
+  return patch;
 }
 
 }  // namespace quivord::live

@@ -25,6 +25,6 @@ Json Document(const State& state);
 // What turns `before` into `after`, as a JSON merge patch (RFC 7396): only what differs, null for
 // what is gone. Empty where nothing differs.
 Json Difference(const Json& before, const Json& after);
-Json Difference(const State& before, const State& after);
+Json Difference(const State& before, const State& after);  // of states that have all sections
 
 }  // namespace quivord::live

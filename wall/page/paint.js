@@ -257,10 +257,11 @@ export class Painter {
     context.restore();
   }
 
-  // A port's window, and its name: inside the corner, or beside the wall where cabinets are small.
+  // A port's window, and its name: inside the corner, or, where that would hide a badge, to the left of the
+  // wall or above the window.
   drawWindows(scene, view) {
     const context = this.context;
-    const small = Math.min(scene.size.width, scene.size.height) * view.scale < 3.6 * this.rem;
+    const small = Math.min(scene.size.width, scene.size.height) * view.scale < 5.9 * this.rem;
     const rem = this.rem, high = 1.35 * rem;
     context.font = `600 ${0.92 * rem}px Inter, system-ui, sans-serif`;
     context.textBaseline = "alphabetic";
@@ -273,11 +274,12 @@ export class Painter {
       context.strokeRect(left - 1, top - 1, width * view.scale + 1, height * view.scale + 1);
       const text = `port ${port.number}`, room = context.measureText(text).width + rem;
       if (height * view.scale < high) continue;
-      const begin = small ? left - room : left - 2;
+      const begin = small && x === 0 ? left - room : left - 2;
+      const upper = small && x !== 0 ? top - high : top - 2;
       context.fillStyle = css(portColour(port.number));
-      context.fillRect(begin, top - 2, room, high);
+      context.fillRect(begin, upper, room, high);
       context.fillStyle = "#05070a";
-      context.fillText(text, begin + rem / 2, top - 2 + rem);
+      context.fillText(text, begin + rem / 2, upper + rem);
     }
   }
 
