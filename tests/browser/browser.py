@@ -10,8 +10,14 @@ from selenium.webdriver.chrome.service import Service
 
 from harness import LIMIT
 
-SWITCHES = ("--headless=new", "--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run", "--hide-scrollbars",
-            "--disable-background-networking", "--disable-component-update", "--disable-sync", "--disable-dev-shm-usage")
+SWITCHES = (
+    "--headless=new", "--no-sandbox", "--disable-gpu", "--disable-dev-shm-usage", "--hide-scrollbars",
+    "--no-first-run", "--disable-quic", "--disable-sync", "--disable-background-networking",
+    "--disable-component-update",
+)
+
+# Connections that are lost when a test ends a server: the page tells of them itself.
+LOST = ("ERR_CONNECTION_REFUSED", "ERR_INCOMPLETE_CHUNKED")
 
 # Answers once `holds` is true: asked now, and whenever the page has shown something new.
 WAIT = """
@@ -36,13 +42,14 @@ class Browser:
         for switch in (*SWITCHES, f"--user-data-dir={self.profile}", f"--window-size={width},{height}"):
             options.add_argument(switch)
         options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
-        self.driver = webdriver.Chrome(service=Service(os.environ["QUIVORD_CHROMEDRIVER"]), options=options)
+        service = Service(os.environ["QUIVORD_CHROMEDRIVER"])
+        self.driver = webdriver.Chrome(service=service, options=options)
         self.driver.set_script_timeout(LIMIT)
         self.size(width, height)
 
     def size(self, width, height):
-        self.driver.execute_cdp_cmd("Emulation.setDeviceMetricsOverride",
-                                    {"width": width, "height": height, "deviceScaleFactor": 1, "mobile": False})
+        metrics = {"width": width, "height": height, "deviceScaleFactor": 1, "mobile": False}
+        self.driver.execute_cdp_cmd("Emulation.setDeviceMetricsOverride", metrics)
 
     def open(self, url):
         self.driver.get(url)
@@ -56,9 +63,9 @@ class Browser:
         return self.driver.execute_async_script(WAIT % f"return {holds};")
 
     def complaints(self):
-        """What the console has said since this was asked last, but for lost connections: those are told."""
-        return [entry["message"] for entry in self.driver.get_log("browser")
-                if "ERR_CONNECTION_REFUSED" not in entry["message"] and "ERR_INCOMPLETE_CHUNKED" not in entry["message"]]
+        """What the console has said since this was asked last, but for lost connections."""
+        said = [entry["message"] for entry in self.driver.get_log("browser")]
+        return [message for message in said if not any(lost in message for lost in LOST)]
 
     def close(self):
         self.driver.quit()

@@ -73,8 +73,8 @@ class Wall:
     """quivord-wall on a board folder, on a port of its own."""
 
     def __init__(self, folder, *options, port=0):
-        self.process = subprocess.Popen([BUILD / "quivord-wall", "--board", folder, "--port", str(port), *options],
-                                        stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+        command = [BUILD / "quivord-wall", "--board", folder, "--port", str(port), *options]
+        self.process = subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
         line = self.process.stdout.readline()
         if not line.startswith("http://"):
             raise AssertionError(f"quivord-wall says {line!r} {self.process.stderr.read()!r}")

@@ -10,13 +10,26 @@ from selenium.webdriver import ActionChains
 from browser import Browser
 from harness import ROOT, Board, Wall, until
 
-# The colour of the picture in the middle of a quarter of a cabinet, where neither cable nor seam runs.
+# The colours of the picture in a quarter of a cabinet, where neither cable nor seam nor badge lies.
 COLOUR = """
 const wall = document.getElementById("wall"), view = liveWall.view, c = arguments[0];
-const x = view.x + (c.x + c.width * 0.25) * view.scale, y = view.y + (c.y + c.height * 0.75) * view.scale;
+const x = view.x + (c.x + c.width * 0.25) * view.scale;
+const y = view.y + (c.y + c.height * 0.75) * view.scale;
 const copy = new OffscreenCanvas(5, 5).getContext("2d", { willReadFrequently: true });
 copy.drawImage(wall, Math.round(x), Math.round(y), 5, 5, 0, 0, 5, 5);
 return [...copy.getImageData(0, 0, 5, 5).data];
+"""
+
+KEYS = """
+const wall = document.getElementById("wall");
+for (const key of arguments) wall.dispatchEvent(new KeyboardEvent("keydown", { key }));
+"""
+
+# Keeps every brightness of the first card that the page has shown from now on.
+WATCH_LEVELS = """
+window.levels = [];
+const look = () => levels.push(liveWall.state.cards.ports[0][0][1]);
+document.addEventListener("wall-shown", look);
 """
 
 
@@ -42,24 +55,44 @@ class PageCase(unittest.TestCase):
     def tearDown(self):
         self.assertEqual(self.browser.complaints(), [])
 
+    def await_drawn(self, holds):
+        """Waits until this expression is true of the page and all of it is drawn."""
+        self.browser.until(f"({holds}) && !liveWall.moving")
+
+    def await_text(self, identifier, text):
+        self.browser.until(f"document.getElementById({identifier!r}).innerText.includes({text!r})")
+
     def configure(self, rows, columns, cables, per_cable):
-        self.board.ctl("wall", "configure", "--rows", str(rows), "--columns", str(columns), "--cables", cables,
-                       "--per-cable", str(per_cable), "--wait")
+        self.board.ctl("wall", "configure", "--rows", str(rows), "--columns", str(columns),
+                       "--cables", cables, "--per-cable", str(per_cable), "--wait")
         self.board.ctl("output", "open")
-        self.browser.until(f"liveWall.scene.cabinets.length === {rows * columns} && liveWall.state.screen.open && !liveWall.moving")
+        cabinets = f"liveWall.scene.cabinets.length === {rows * columns}"
+        self.await_drawn(f"{cabinets} && liveWall.state.screen.open")
 
     def cabinets(self):
         return self.browser.run("return liveWall.scene.cabinets")
 
     def brightness(self, cabinet):
         """How bright a cabinet is drawn: the brightest of the colours there, 0 to 255."""
-        return max(value for i, value in enumerate(self.browser.run(COLOUR, cabinet)) if i % 4 != 3)
+        pixels = self.browser.run(COLOUR, cabinet)
+        return max(value for i, value in enumerate(pixels) if i % 4 != 3)
 
     def text(self, identifier):
         return self.browser.run("return document.getElementById(arguments[0]).innerText", identifier)
 
+    def set_card(self, card, offset, data):
+        """Changes bytes of a record in the list of cards."""
+        with open(self.board.folder / "cards", "r+b") as file:
+            file.seek(16 + 32 * card + offset)
+            file.write(data)
+
 
 class Page(PageCase):
+    def table_of(self, port, cards):
+        """The position table of a port, as the device answers it."""
+        answer = self.board.ctl("--json", "read", hex(0x03000000 + 0x1000 * port), str(4 * cards))
+        return list(struct.iter_unpack("<HH", bytes.fromhex(json.loads(answer)["data"])))
+
     def test_the_wall_is_that_of_the_device(self):
         self.configure(4, 4, "bottom-right-columns", 8)
         told = json.loads(self.board.ctl("--json", "wall", "show"))
@@ -67,26 +100,22 @@ class Page(PageCase):
         scene = self.browser.run("return liveWall.scene")
         self.assertEqual({port["number"] for port in scene["ports"]}, set(ports))
         for port in scene["ports"]:
-            window = ports[port["number"]]["window"]
-            self.assertEqual(port["window"], [window["x"], window["y"], window["width"], window["height"]])
-            self.assertEqual(len(port["cabinets"]), ports[port["number"]]["cards"])
-        # The cables, from the tables as the device answers them.
-        for port in scene["ports"]:
-            entries = self.board.ctl("--json", "read", hex(0x03000000 + 0x1000 * port["number"]), str(4 * len(port["cabinets"])))
-            table = bytes.fromhex(json.loads(entries)["data"])
-            path = [[int.from_bytes(table[i:i + 2], "little") + port["window"][0],
-                     int.from_bytes(table[i + 2:i + 4], "little") + port["window"][1]] for i in range(0, len(table), 4)]
+            number, cards = port["number"], len(port["cabinets"])
+            window = ports[number]["window"]
+            x, y = window["x"], window["y"]
+            self.assertEqual(port["window"], [x, y, window["width"], window["height"]])
+            self.assertEqual(cards, ports[number]["cards"])
+            path = [[x + at_x, y + at_y] for at_x, at_y in self.table_of(number, cards)]
             self.assertEqual([[c["x"], c["y"]] for c in port["cabinets"]], path)
         self.assertEqual(self.text("caption"), "512 × 512 px, 16 cabinets of 128 × 128")
-        rows = self.browser.run("return [...document.querySelectorAll('#ports tbody tr')].map(r => r.innerText)")
-        self.assertIn("256 × 512 at 256, 0", rows[0])
-        self.assertIn("as port 0", rows[2])
+        self.assertIn("256 × 512 at 256, 0", self.text("ports"))
+        self.assertIn("as port 0", self.text("ports"))
 
     def test_a_closed_output_is_dark_and_says_how_to_open_it(self):
         self.configure(1, 2, "top-left-rows", 2)
         self.assertGreater(self.brightness(self.cabinets()[0]), 150)
         self.board.ctl("output", "close")
-        self.browser.until("!liveWall.state.screen.open && !liveWall.moving")
+        self.await_drawn("!liveWall.state.screen.open")
         self.assertLess(self.brightness(self.cabinets()[0]), 40)
         self.assertIn("quivordctl output open", self.text("banner"))
         self.board.ctl("output", "open")
@@ -95,11 +124,9 @@ class Page(PageCase):
     def test_brighter_cards_are_drawn_brighter(self):
         self.configure(1, 8, "top-left-rows", 8)
         levels = [0, 3, 12, 40, 90, 150, 200, 255]
-        with open(self.board.folder / "cards", "r+b") as file:
-            for i, level in enumerate(levels):
-                file.seek(16 + 32 * i + 8)
-                file.write(bytes([level]))
-        self.browser.until("liveWall.scene.cabinets[1].card.brightness === 3 && liveWall.scene.cabinets[6].card.brightness === 200 && !liveWall.moving")
+        for card, level in enumerate(levels):
+            self.set_card(card, 8, bytes([level]))
+        self.await_drawn(f"liveWall.scene.cabinets.every((c, i) => c.card.brightness === {levels}[i])")
         drawn = [self.brightness(cabinet) for cabinet in self.cabinets()]
         self.assertEqual(drawn, sorted(set(drawn)), "each is brighter than the one before it")
 
@@ -107,57 +134,56 @@ class Page(PageCase):
         self.configure(2, 4, "top-left-rows", 4)
         first, second = self.cabinets()[0], self.cabinets()[4]
         self.board.tool("link", "0", "down")
-        self.browser.until("liveWall.scene.cabinets[0].dark === 'the port has no link' && !liveWall.moving")
+        self.await_drawn("liveWall.scene.cabinets[0].dark === 'the port has no link'")
         self.assertLess(self.brightness(first), 40)
         self.assertGreater(self.brightness(second), 150)
         self.board.tool("fiber", "2", "0", "up")
-        self.browser.until("liveWall.scene.cabinets[0].dark === '' && !liveWall.moving")
+        self.await_drawn("liveWall.scene.cabinets[0].dark === ''")
         self.assertGreater(self.brightness(first), 150)
-        with open(self.board.folder / "cards", "r+b") as file:  # port 1, board 0: the ninth record
-            file.seek(16 + 32 * 8 + 13)
-            file.write(b"\xff\x00\x00")  # blackened; then one that takes no part
-        self.browser.until("liveWall.scene.cabinets[4].dark === \"the card doesn't take part\"")
-        with open(self.board.folder / "cards", "r+b") as file:
-            file.seek(16 + 32 * 8 + 15)
-            file.write(b"\x01")
-        self.browser.until("liveWall.scene.cabinets[4].dark === 'the watchdog has blackened it' && !liveWall.moving")
+        port_1 = 8  # the record of its first card
+        self.set_card(port_1, 15, b"\x00")
+        self.await_drawn("liveWall.scene.cabinets[4].dark.includes('take part')")
         self.assertLess(self.brightness(second), 40)
+        self.set_card(port_1, 13, b"\xff\x00\x01")
+        self.await_drawn("liveWall.scene.cabinets[4].dark.includes('watchdog')")
+        self.assertLess(self.brightness(second), 40)
+        self.set_card(port_1, 13, b"\x00")
+        self.await_drawn("liveWall.scene.cabinets[4].dark === ''")
+        self.assertGreater(self.brightness(second), 150)
 
     def test_picture_inputs_and_requests_in_words(self):
         self.configure(1, 2, "top-left-rows", 2)
         self.board.ctl("hdr", "hdr10", "--peak", "1200", "--ambient", "50")
-        self.board.ctl("pattern", "block", "--width", "64", "--height", "32", "--first-x", "16", "--first-y", "8")
-        self.browser.until("liveWall.state.picture.hdr.on && liveWall.state.picture.pattern.kind === 'blocks' && !liveWall.moving")
-        self.browser.until("liveWall.state.picture.curves.text !== 'dark'")
-        self.assertIn("HDR10, 1200 cd/m², 50 lux", self.text("hdr-text"))
-        self.assertIn("blocks of 64 by 32, the first at 16, 8", self.text("pattern-text"))
+        self.board.ctl("pattern", "block", "--width", "64", "--height", "32", "--first-x", "16")
+        self.await_text("hdr-text", "HDR10, 1200 cd/m², 50 lux")
+        self.await_text("pattern-text", "blocks of 64 by 32, the first at 16, 0")
         self.assertIn("isn't known", self.text("pattern-text"))
+        self.browser.until("liveWall.state.picture.curves.text !== 'dark'")
         self.assertIn("HDMI14 0x0010", self.text("inputs"))
-        self.browser.until("document.getElementById('log-rows').innerText.includes('writes output = open')")
+        self.await_text("log-rows", "writes output = open")
         self.board.tool("link", "3", "up")
-        self.browser.until("document.getElementById('log-rows').innerText.includes('ports with a copper link, of 0 to 3: 0 1 3')")
-        self.assertIn("Port 3 has a link", self.text("announcer"))
+        self.await_text("log-rows", "ports with a copper link, of 0 to 3: 0 1 3")
+        self.await_text("announcer", "Port 3 has a link")
 
     def test_keys_and_mouse_pick_a_cabinet(self):
         self.configure(2, 4, "top-left-rows", 4)
-        self.browser.run("""
-          const wall = document.getElementById("wall");
-          wall.focus();
-          for (const key of ["ArrowRight", "ArrowRight", "ArrowDown"]) wall.dispatchEvent(new KeyboardEvent("keydown", { key, bubbles: true }));""")
+        self.browser.run(KEYS, "ArrowRight", "ArrowRight", "ArrowDown")
         facts = self.browser.until("document.getElementById('cabinet-facts').innerText")
-        for words in ("1, link copper", "number 1 on the cable", "128, 128", "128 × 128 px", "255 of 255 (100 %)"):
+        for words in ("1, link copper", "number 1 on the cable", "128, 128", "128 × 128 px",
+                      "255 of 255 (100 %)"):
             self.assertIn(words, facts)
         before = self.browser.run("return liveWall.view.scale")
         self.browser.run("document.getElementById('zoom-in').click()")
         self.assertGreater(self.browser.run("return liveWall.view.scale"), before)
-        self.browser.run("document.getElementById('wall').dispatchEvent(new KeyboardEvent('keydown', { key: '0' }))")
+        self.browser.run(KEYS, "0")
         self.assertAlmostEqual(self.browser.run("return liveWall.view.scale"), before)
-        canvas = self.browser.driver.find_element("id", "wall")
-        x, y, width, height = self.browser.run("""
+        x, y = self.browser.run("""
           const c = liveWall.scene.cabinets[3], v = liveWall.view;
-          return [v.x + (c.x + 10) * v.scale, v.y + (c.y + 10) * v.scale, v.width, v.height];""")
-        ActionChains(self.browser.driver).move_to_element_with_offset(canvas, x - width / 2, y - height / 2).click().perform()
-        self.browser.until("document.getElementById('cabinet-facts').innerText.includes('number 3 on the cable')")
+          return [v.x + (c.x + 10) * v.scale - v.width / 2, v.y + (c.y + 10) * v.scale - v.height / 2];""")
+        canvas = self.browser.driver.find_element("id", "wall")
+        mouse = ActionChains(self.browser.driver)
+        mouse.move_to_element_with_offset(canvas, x, y).click().perform()
+        self.await_text("cabinet-facts", "number 3 on the cable")
 
     def test_it_recovers_when_daemon_and_server_start_again(self):
         self.configure(2, 4, "top-left-rows", 4)
@@ -167,7 +193,7 @@ class Page(PageCase):
         self.board.start()
         self.browser.until("liveWall.state.board.daemon.running && !liveWall.state.screen.open")
         self.board.ctl("output", "open")
-        self.browser.until("liveWall.state.screen.open && liveWall.scene.cabinets.length === 8")
+        self.await_drawn("liveWall.state.screen.open && liveWall.scene.cabinets.length === 8")
         port = self.wall.port
         self.wall.stop()
         until(lambda: "doesn't answer" in self.text("chip-page"), "the page says that the server is gone")
@@ -177,10 +203,10 @@ class Page(PageCase):
 
     def test_it_says_when_the_trace_is_off_and_when_there_is_no_board(self):
         (self.board.folder / "board.conf").write_text("trace = none\n")
-        self.browser.until("document.getElementById('log-note').innerText.includes('trace = bus')")
+        self.await_text("log-note", "trace = bus")
         self.board.stop()
         os.rename(self.board.folder, f"{self.board.folder}.away")
-        self.browser.until("document.getElementById('banner').innerText.includes('There is no board')")
+        self.await_text("banner", "There is no board")
         os.rename(f"{self.board.folder}.away", self.board.folder)
         self.browser.until("liveWall.state.board.exists")
 
@@ -190,19 +216,17 @@ class Ramp(PageCase):
 
     def test_a_ramp_of_brightness_is_seen(self):
         self.configure(1, 2, "top-left-rows", 2)
-        plan = {"kind": "mix", "gradual": True,
-                "nodes": [{"time": "06:00", "percent": 90}, {"time": "12:00", "percent": 10}]}
-        (self.board.folder / "plan.json").write_text(json.dumps(plan))
+        nodes = [{"time": "06:00", "percent": 90}, {"time": "12:00", "percent": 10}]
+        plan = self.board.folder / "plan.json"
+        plan.write_text(json.dumps({"kind": "mix", "gradual": True, "nodes": nodes}))
         self.board.ctl("time", "set", "2026-05-01T11:59:52")
-        self.board.ctl("brightness", "plan", str(self.board.folder / "plan.json"))
-        self.browser.until("liveWall.state.cards.ports[0][0][1] === 229 && !liveWall.moving")
+        self.board.ctl("brightness", "plan", str(plan))
+        self.await_drawn("liveWall.state.cards.ports[0][0][1] === 229")
         before = self.brightness(self.cabinets()[0])
         self.assertIn("229 of 255 (90 %)", self.text("level-text"))
         self.assertIn("Next: 12:00", self.text("plan-next"))
-        self.browser.run("""
-          window.levels = [];
-          document.addEventListener("wall-shown", () => levels.push(liveWall.state.cards.ports[0][0][1]));""")
-        self.browser.until("liveWall.state.cards.ports[0][0][1] === 25 && !liveWall.moving")
+        self.browser.run(WATCH_LEVELS)
+        self.await_drawn("liveWall.state.cards.ports[0][0][1] === 25")
         levels = self.browser.run("return levels")
         self.assertEqual(levels, sorted(levels, reverse=True), "the light falls and never rises")
         self.assertGreater(len(set(levels)), 20, "in many steps")
@@ -212,11 +236,12 @@ class Ramp(PageCase):
 class Control(PageCase):
     options = ("--control",)
 
-    def test_a_link_is_pulled_and_the_light_set_from_the_page(self):
+    def test_the_page_changes_the_board(self):
         self.configure(2, 4, "top-left-rows", 4)
-        self.browser.run("document.querySelector('#ports [data-link=\"1\"]').click()")
+        pull = "document.querySelector('#ports [data-link=\"1\"]').click()"
+        self.browser.run(pull)
         self.browser.until("liveWall.scene.cabinets[4].dark === 'the port has no link'")
-        self.browser.run("document.querySelector('#ports [data-link=\"1\"]').click()")
+        self.browser.run(pull)
         self.browser.until("liveWall.scene.cabinets[4].dark === ''")
         self.browser.run("""
           document.getElementById("lux").value = 4321;
@@ -229,47 +254,10 @@ class Control(PageCase):
         self.browser.until("liveWall.state.outside.faults['card-write'] === 1")
 
 
-class Picture(PageCase):
-    """Takes the pictures of the documents, into the folder that QUIVORD_PICTURES names."""
-
-    settings = (*(f"port.{port}.cards=24" for port in range(4)), "trace=bus")
-    options = ("--control",)
-
-    def test_it_is_readable_on_a_laptop_and_on_a_large_monitor(self):
-        self.configure(8, 12, "top-left-rows", 24)
-        self.board.ctl("gamma", "upload", "--exponent", "2.2")
-        self.board.ctl("brightness", "plan", str(ROOT / "examples/brightness-list.json"))
-        self.board.ctl("brightness", "set", "80%")
-        self.board.tool("lux", "420")
-        self.board.tool("link", "5", "up")
-        self.browser.until("liveWall.state.cards.ports[0][0][1] === 204 && liveWall.state.links.copper.includes(5)")
-        self.browser.until("document.getElementById('log-rows').innerText.includes('of 4 to 7: 5')")
-        self.browser.run("""
-          const wall = document.getElementById("wall");
-          for (const key of ["PageDown", "PageDown", "ArrowRight", "ArrowRight"]) wall.dispatchEvent(new KeyboardEvent("keydown", { key }));""")
-        folder = os.environ.get("QUIVORD_PICTURES", str(self.board.folder))
-        for name, width, height, least in (("live-wall", 1280, 800, 13), ("live-wall-large", 3840, 2160, 24)):
-            self.browser.size(width, height)
-            self.browser.until(f"liveWall.view.width > {width} * 0.6 && !liveWall.moving")
-            file = f"{folder}/{name}.png"
-            self.assertTrue(self.browser.driver.save_screenshot(file))
-            with open(file, "rb") as png:
-                self.assertEqual(struct.unpack(">II", png.read(24)[16:]), (width, height))
-            small, out, spill = self.browser.run("""
-              const seen = [...document.querySelectorAll("main *, header *")].filter((e) => e.checkVisibility() && !e.classList.contains("hidden"));
-              const texts = seen.filter((e) => [...e.childNodes].some((n) => n.nodeType === 3 && n.data.trim()));
-              return [Math.min(...texts.map((e) => parseFloat(getComputedStyle(e).fontSize))),
-                texts.filter((e) => { const r = e.getBoundingClientRect(); return r.right > innerWidth + 1 || r.left < -1; }).map((e) => e.innerText),
-                [document.documentElement, document.querySelector("aside")].filter((e) => e.scrollWidth > e.clientWidth).map((e) => e.tagName)];""")
-            self.assertGreaterEqual(small, least * 0.85)
-            self.assertEqual((out, spill), ([], []), f"nothing runs out of the page at {width} pixels")
-        self.browser.size(1280, 800)
-
-
 class LargeWall(PageCase):
     settings = tuple(f"port.{port}.cards=256" for port in range(8))
 
-    # Zooms in and out and moves, drawing at each frame that the browser offers; how long they took.
+    # Zooms at each frame that the browser offers; how long they took, the shortest first.
     FRAMES = """
     const done = arguments[arguments.length - 1], times = [];
     const begin = performance.now();
@@ -286,16 +274,60 @@ class LargeWall(PageCase):
 
     def test_2048_cabinets_stay_smooth(self):
         self.configure(32, 64, "top-left-rows", 256)
-        best = None
+        best = (1e9, 1e9)
         for _ in range(3):  # other work on the machine may spoil one
             times = self.browser.driver.execute_async_script(self.FRAMES)
-            figures = (times[len(times) // 2], times[len(times) * 95 // 100])
-            best = figures if best is None else min(best, figures)
+            best = min(best, (times[len(times) // 2], times[len(times) * 95 // 100]))
             if best[0] <= 34 and best[1] <= 50:
                 break
-        print(f"2048 cabinets at 1280 px: a frame takes {best[0]:.1f} ms, one in twenty more than {best[1]:.1f} ms")
+        print(f"2048 cabinets at 1280 px: a frame takes {best[0]:.1f} ms, "
+              f"one in twenty more than {best[1]:.1f} ms")
         self.assertLessEqual(best[0], 34)
         self.assertLessEqual(best[1], 50)
+
+
+class Picture(PageCase):
+    """Takes the picture of the documents, into the folder that QUIVORD_PICTURES names."""
+
+    settings = (*(f"port.{port}.cards=24" for port in range(4)), "trace=bus")
+    options = ("--control",)
+
+    # The smallest text, texts that run out of the window, and parts that are wider than their place.
+    READABLE = """
+    const seen = [...document.querySelectorAll("main *, header *")]
+      .filter((e) => e.checkVisibility() && !e.classList.contains("hidden"));
+    const texts = seen.filter((e) => [...e.childNodes].some((n) => n.nodeType === 3 && n.data.trim()));
+    const runsOut = (e) => e.getBoundingClientRect().right > innerWidth + 1;
+    const wide = [document.documentElement, document.querySelector("aside")];
+    return [Math.min(...texts.map((e) => parseFloat(getComputedStyle(e).fontSize))),
+      texts.filter(runsOut).map((e) => e.innerText),
+      wide.filter((e) => e.scrollWidth > e.clientWidth).map((e) => e.tagName)];
+    """
+
+    def set_the_scene(self):
+        self.configure(8, 12, "top-left-rows", 24)
+        self.board.ctl("gamma", "upload", "--exponent", "2.2")
+        self.board.ctl("brightness", "plan", str(ROOT / "examples/brightness-list.json"))
+        self.board.ctl("brightness", "set", "80%")
+        self.board.tool("lux", "420")
+        self.board.tool("link", "5", "up")
+        self.await_text("log-rows", "of 4 to 7: 5")
+        self.await_text("level-text", "204 of 255")
+        self.browser.run(KEYS, "PageDown", "PageDown", "ArrowRight", "ArrowRight")
+
+    def test_it_is_readable_on_a_laptop_and_on_a_large_monitor(self):
+        self.set_the_scene()
+        self.addCleanup(self.browser.size, 1280, 800)
+        folder = os.environ.get("QUIVORD_PICTURES", str(self.board.folder))
+        for name, width, height, least in (("live-wall", 1280, 800, 11), ("large", 3840, 2160, 20)):
+            self.browser.size(width, height)
+            self.await_drawn(f"liveWall.view.width > {width} * 0.6")
+            self.assertTrue(self.browser.driver.save_screenshot(f"{folder}/{name}.png"))
+            with open(f"{folder}/{name}.png", "rb") as png:
+                self.assertEqual(struct.unpack(">II", png.read(24)[16:]), (width, height))
+            smallest, out, spilt = self.browser.run(self.READABLE)
+            self.assertGreaterEqual(smallest, least)
+            self.assertEqual((out, spilt), ([], []), f"all has room at {width} pixels")
 
 
 if __name__ == "__main__":

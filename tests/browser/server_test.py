@@ -11,7 +11,9 @@ import unittest
 from harness import LIMIT, Board, Stream, Wall, merged, until
 
 MIB = 1 << 20
-BUS_LINE = "1 bus < 0x000a3900 21 aa55000000000000000000001f0000020100017855\n"  # links of 0 to 3: port 0
+# The report that of ports 0 to 3 port 0 alone has a link.
+BUS_LINE = "1 bus < 0x000a3900 21 aa55000000000000000000001f0000020100017855\n"
+BUS_WORDS = "ports with a copper link, of 0 to 3: 0"
 
 
 class ServerCase(unittest.TestCase):
@@ -95,7 +97,7 @@ class Events(ServerCase):
             trace.write("no line of a trace\n1 bus <\n" + BUS_LINE)
         state = stream.until(lambda s: s["log"]["entries"], "the report arrives")
         (entry,) = state["log"]["entries"].values()
-        self.assertEqual((entry["kind"], entry["text"]), ("report", "ports with a copper link, of 0 to 3: 0"))
+        self.assertEqual((entry["kind"], entry["text"]), ("report", BUS_WORDS))
 
 
 class Orders(ServerCase):
@@ -118,25 +120,38 @@ class Orders(ServerCase):
                 file.seek(at)
                 return struct.unpack(layout, file.read(struct.calcsize(layout)))[0]
 
+        def lux():
+            return (self.board.folder / "sensors/lux").read_text()
+
         cells = ("fpga/1.mem", "B")
         for order, ask, expected in (
             ({"order": "link", "port": 6, "up": True}, lambda: number(*cells, 0x9F), 0x4),
             ({"order": "link", "port": 6, "up": True}, lambda: number(*cells, 0xF05101), 0x4),
             ({"order": "link", "port": 0, "up": False}, lambda: number(*cells, 0x1F), 0x2),
-            ({"order": "lux", "lux": 77}, lambda: (self.board.folder / "sensors/lux").read_text(), "77\n"),
-            ({"order": "lux", "lux": "fail"}, lambda: (self.board.folder / "sensors/lux").read_text(), "fail\n"),
+            ({"order": "lux", "lux": 77}, lux, "77\n"),
+            ({"order": "lux", "lux": "fail"}, lux, "fail\n"),
             ({"order": "jump", "seconds": -60}, lambda: number("clock", "<q", 0), -60 * 10**6),
-            ({"order": "fault", "name": "card-read", "count": -1}, lambda: number("faults", "<i", 16), -1),
+            ({"order": "fault", "name": "card-read", "count": -1},
+             lambda: number("faults", "<i", 16), -1),
         ):
             with self.subTest(order=order):
                 self.assertEqual(self.order(order), (200, "done\n"))
                 self.assertEqual(ask(), expected)
 
     def test_orders_that_are_none_change_nothing(self):
-        for order in ("", "[]", "{", "null", '{"order": 1}', '{"order": "burn"}', '{"order": "link", "port": 16, "up": true}',
-                      '{"order": "link", "port": 3}', '{"order": "lux", "lux": "bright"}', '{"order": "lux", "lux": -1}',
-                      '{"order": "jump", "seconds": 1e300}', '{"order": "fault", "name": "sync", "count": 1}',
-                      '{"order": "fault", "name": "net", "count": -2}', "[" * 1000, '{"order": "lux", "lux": 1, "x": 2}'):
+        for order in (
+            "", "[]", "{", "null", "[" * 1000,
+            '{"order": 1}',
+            '{"order": "burn"}',
+            '{"order": "link", "port": 16, "up": true}',
+            '{"order": "link", "port": 3}',
+            '{"order": "lux", "lux": "bright"}',
+            '{"order": "lux", "lux": -1}',
+            '{"order": "lux", "lux": 1, "x": 2}',
+            '{"order": "jump", "seconds": 1e300}',
+            '{"order": "fault", "name": "sync", "count": 1}',
+            '{"order": "fault", "name": "net", "count": -2}',
+        ):
             with self.subTest(order=order[:60]):
                 self.assertEqual(self.order(order)[0], 400)
         self.assertEqual((self.board.folder / "faults").read_bytes(), bytes(64))
@@ -144,9 +159,16 @@ class Orders(ServerCase):
     def test_only_our_own_page_may_order(self):
         order = {"order": "lux", "lux": 5}
         own = f"127.0.0.1:{self.wall.port}"
-        for headers in ({"X-Quivord-Token": None}, {"X-Quivord-Token": "0" * 32}, {"X-Quivord-Token": ""},
-                        {"Origin": "http://elsewhere.example"}, {"Origin": "null"}, {"Origin": f"https://{own}"},
-                        {"Content-Type": "text/plain"}, {"Host": f"elsewhere.example:{self.wall.port}"}):
+        for headers in (
+            {"X-Quivord-Token": None},
+            {"X-Quivord-Token": ""},
+            {"X-Quivord-Token": "0" * 32},
+            {"Origin": "http://elsewhere.example"},
+            {"Origin": "null"},
+            {"Origin": f"https://{own}"},
+            {"Content-Type": "text/plain"},
+            {"Host": f"elsewhere.example:{self.wall.port}"},
+        ):
             with self.subTest(headers=headers):
                 self.assertEqual(self.order(order, **headers)[0], 403)
         self.assertFalse((self.board.folder / "sensors/lux").exists())
@@ -155,13 +177,15 @@ class Orders(ServerCase):
     def test_a_board_that_cannot_be_changed_says_so(self):
         os.truncate(self.board.folder / "fpga/1.mem", 0x20)
         os.truncate(self.board.folder / "clock", 3)
-        self.assertEqual(self.order({"order": "link", "port": 0, "up": False}), (409, "1.mem is cut short\n"))
-        self.assertEqual(self.order({"order": "jump", "seconds": 1}), (409, "clock is cut short\n"))
+        for order, file in (({"order": "link", "port": 0, "up": False}, "1.mem"),
+                            ({"order": "jump", "seconds": 1}, "clock")):
+            self.assertEqual(self.order(order), (409, f"{file} is cut short\n"))
 
 
 class BadInput(ServerCase):
     def test_without_control_nothing_can_be_ordered(self):
-        status, _ = self.wall.ask("POST", "/order", '{"order": "lux", "lux": 1}', {"Content-Type": "application/json"})
+        headers = {"Content-Type": "application/json"}
+        status, _ = self.wall.ask("POST", "/order", '{"order": "lux", "lux": 1}', headers)
         self.assertEqual(status, 404)
 
     def test_requests_of_all_kinds(self):
@@ -177,7 +201,8 @@ class BadInput(ServerCase):
             (b"GET / HTTP/1.1\r\n\r\n", (403,)),
             (b"GET / HTTP/1.1\r\nHost: elsewhere.example\r\n\r\n", (403,)),
             (b"DELETE / HTTP/1.1\r\n" + host + b"\r\n", (404, 405)),
-            (b"POST /events HTTP/1.1\r\n" + host + b"Content-Length: 1000000\r\n\r\n" + b"x" * 1000000, (404, 413, None)),
+            (b"POST /events HTTP/1.1\r\n" + host + b"Content-Length: 1000000\r\n\r\n" + b"x" * 1000000,
+             (404, 413, None)),
             (b"POST /order HTTP/1.1\r\n" + host + b"Content-Length: -1\r\n\r\n", (400, 404, 413, None)),
             (b"GET / HTTP/9.9\r\n\r\n", (400, 403, 505, None)),
             (b"\x16\x03\x01\x02\x00\x01\x00\x01\xfc\x03\x03" * 50, (400, None)),
@@ -258,7 +283,8 @@ class Folder(ServerCase):
             ("cards", lambda p: p.write_bytes(b"\xff" * 4096), "cards is no list of cards"),
             ("clock", os.remove, "clock is missing or can't be read"),
             ("faults", lambda p: (os.remove(p), os.mkfifo(p)), "faults is missing or can't be read"),
-            ("board.conf", lambda p: p.write_text("speed = fast\n"), "board.conf:1: bad value 'fast': a number from 1 to 2000 is needed"),
+            ("board.conf", lambda p: p.write_text("speed = fast\n"),
+             "board.conf:1: bad value 'fast': a number from 1 to 2000 is needed"),
             ("trace.log", lambda p: (p.unlink(missing_ok=True), os.mkdir(p)), None),
             ("sensors/lux", lambda p: p.write_bytes(bytes(range(256)) * 100), None),
         ):
@@ -276,7 +302,8 @@ class Folder(ServerCase):
         with open(trace, "a", encoding="ascii") as file:
             file.write("1 bus > 0x007f0001 20 " + "ab" * 40000 + "\n")  # a line longer than it may be
             for _ in range(100):
-                file.write(("2 fpga W 1 0x00000000 500 ok " + "00" * 485 + "\n") * 1024 + "x" * 2048 + "\n")
+                file.write(("2 fpga W 1 0x00000000 500 ok " + "00" * 485 + "\n") * 1024)
+                file.write("x" * 2048 + "\n")
             file.write(BUS_LINE)
         reports = lambda s: [e for e in s["log"]["entries"].values() if e["kind"] == "report"]
         state = stream.until(reports, "the report behind it all")

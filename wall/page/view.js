@@ -20,7 +20,8 @@ export class View {
 
   fit(scene) {
     const room = 1 - 2 * kMargin;
-    this.scale = Math.min((this.width * room) / scene.width, (this.height * room) / scene.height, kMostScale);
+    this.scale = Math.min(
+        (this.width * room) / scene.width, (this.height * room) / scene.height, kMostScale);
     this.x = (this.width - scene.width * this.scale) / 2;
     this.y = (this.height - scene.height * this.scale) / 2;
     this.least = this.scale / 2;
