@@ -87,13 +87,17 @@ function portRow(number, port, links, control) {
   return row;
 }
 
-// The lines of ten tables, and ports behind them that have a link all the same.
+// The ports that have tables, and those behind them: each by itself where one has a link.
 function showPorts({wall, links, control}) {
   const kTables = 10, kPorts = 16;
-  const rows = [];
-  for (let number = 0; number < kPorts; ++number) {
-    if (number < kTables || linkOf(links, number).length > 0)
-      rows.push(portRow(number, wall.ports[number], links, control));
+  const numbers = [...Array(kPorts).keys()];
+  const more = numbers.slice(kTables), linked = more.some((n) => linkOf(links, n).length > 0);
+  const shown = linked ? numbers : numbers.slice(0, kTables);
+  const rows = shown.map((number) => portRow(number, wall.ports[number], links, control));
+  if (!linked) {
+    rows.push(element(
+        'tr', {class: 'repeats'}, element('th', {scope: 'row'}, `${kTables}–${kPorts - 1}`),
+        element('td', {}, '–'), element('td', {}, 'no table, no link')));
   }
   const body = at('ports').tBodies[0], focused = document.activeElement?.dataset?.link;
   body.replaceChildren(...rows);
