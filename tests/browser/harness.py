@@ -77,7 +77,8 @@ class Wall:
         self.process = subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
         line = self.process.stdout.readline()
         if not line.startswith("http://"):
-            raise AssertionError(f"quivord-wall says {line!r} {self.process.stderr.read()!r}")
+            said = self.process.communicate()[1]
+            raise AssertionError(f"quivord-wall says: {line}{said}")
         self.url = line.split()[0]
         self.port = urllib.parse.urlsplit(self.url).port
 

@@ -228,6 +228,10 @@ class BadInput(ServerCase):
         pages[7].close()
         until(lambda: self.wall.ask("GET", "/")[0] == 200, "a closed page makes room")
 
+    def test_a_port_that_is_taken_is_told(self):
+        with self.assertRaisesRegex(AssertionError, f"can't listen on 127.0.0.1, port {self.wall.port}"):
+            Wall(self.board.folder, port=self.wall.port)
+
     def test_silent_connections_hold_no_thread_for_long(self):
         """More silent connections than there are threads: they end, and others are served."""
         silent = [socket.create_connection(("127.0.0.1", self.wall.port)) for _ in range(100)]

@@ -40,6 +40,10 @@ TEST_F(LiveTail, PassesOverWhatCameTooFastAndSaysSo) {
   Append(std::string(3 * Tail::kMostRead, 'a') + "\nlast\n");
   EXPECT_EQ(tail_.Look(), Lines{"last"});
   EXPECT_EQ(tail_.passedOver(), 2 * Tail::kMostRead + 6);
+  tail_.Rest();
+  Append(std::string(2 * Tail::kMostRead, 'a') + "\nmore\n");
+  EXPECT_EQ(tail_.Look(), Lines{"more"});
+  EXPECT_EQ(tail_.passedOver(), 2 * Tail::kMostRead + 6) << "nobody was looking";
 }
 
 TEST_F(LiveTail, KeepsOnlyTheBeginningOfALongLine) {

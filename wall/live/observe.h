@@ -18,6 +18,9 @@ class Observer {
   // for what is in the folder.
   Snapshot Look();
 
+  // To be called before a time in which nobody looks.
+  void Rest() { tail_.Rest(); }
+
  private:
   void LookAtSettings(Snapshot& snapshot);
   void LookAtDaemon(Snapshot& snapshot) const;

@@ -55,6 +55,7 @@ void Publisher::Run() {
   State state;
   std::unique_lock hold(mutex_);
   while (true) {
+    if (pages_ == 0) observer_.Rest();
     changed_.wait(hold, [this] { return closed_ || pages_ > 0; });
     if (closed_) return;
     hold.unlock();
