@@ -4,12 +4,12 @@
 #include <platform/system.h>
 
 #include <atomic>
-#include <cerrno>
 #include <cstring>
 
 #include "board/board.h"
 #include "board/files.h"
 #include "board/folder.h"
+#include "posix/wait.h"
 
 namespace board {
 namespace {
@@ -56,18 +56,6 @@ struct timeval BoardTime() {
   return time;
 }
 
-void WaitOnPc(std::uint64_t microseconds) {
-  struct timespec until {};
-  clock_gettime(CLOCK_MONOTONIC, &until);
-  until.tv_sec += static_cast<std::time_t>(microseconds / 1000000);
-  until.tv_nsec += static_cast<long>(microseconds % 1000000) * 1000;
-  if (until.tv_nsec >= 1000000000) {
-    until.tv_nsec -= 1000000000;
-    ++until.tv_sec;
-  }
-  while (clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &until, nullptr) == EINTR) continue;
-}
-
 }  // namespace
 }  // namespace board
 
@@ -77,9 +65,9 @@ void SleepMicroseconds(std::uint64_t microseconds) {
   const std::uint64_t speed = board::Config().speed;
   const bool look = microseconds < board::kShortestDivided_us && !board::t_keeps_time;
   if (speed == 1 || look) {
-    board::WaitOnPc(microseconds);
+    posix::WaitAtLeast(microseconds);
   } else {
-    board::WaitOnPc((microseconds + speed - 1) / speed);
+    posix::WaitAtLeast((microseconds + speed - 1) / speed);
   }
   if (speed > 1 && board::t_keeps_time) {
     board::BaseMicroseconds();  // the time has started before its first wait moves it

@@ -1,13 +1,9 @@
 // Device paths and shell commands: everything stays within the board folder.
 #include <fcntl.h>
 #include <platform/system.h>
-#include <spawn.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <cerrno>
-#include <csignal>
 #include <cstdlib>
 #include <map>
 #include <memory>
@@ -20,13 +16,13 @@
 #include "board/command.h"
 #include "board/files.h"
 #include "board/stores.h"
+#include "posix/shell.h"
 
 namespace board {
 namespace {
 
 constexpr int kRefused = 126;
 constexpr int kNotThere = 127;
-constexpr int kBySignal = 128;
 
 bool IsProgram(const std::filesystem::path& file) {
   struct stat status {};
@@ -76,41 +72,6 @@ class Environment {
   std::vector<char*> entries_;
 };
 
-// Starts /bin/sh on the text, its standard output at `output` unless that is -1. -1 where it fails.
-pid_t Spawn(const std::string& text, int output) {
-  std::string shell = "sh", option = "-c", command = text;
-  char* const arguments[] = {shell.data(), option.data(), command.data(), nullptr};
-  posix_spawn_file_actions_t actions;
-  posix_spawnattr_t attributes;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawnattr_init(&attributes);
-  if (output >= 0) posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
-  // The daemon's own ignored and blocked signals are nothing to a command.
-  sigset_t defaults, none;
-  sigemptyset(&none);
-  sigemptyset(&defaults);
-  sigaddset(&defaults, SIGPIPE);
-  posix_spawnattr_setsigdefault(&attributes, &defaults);
-  posix_spawnattr_setsigmask(&attributes, &none);
-  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
-  pid_t process = -1;
-  const int fault =
-      posix_spawn(&process, "/bin/sh", &actions, &attributes, arguments, Environment().get());
-  posix_spawnattr_destroy(&attributes);
-  posix_spawn_file_actions_destroy(&actions);
-  return fault == 0 ? process : -1;
-}
-
-int WaitFor(pid_t process) {
-  int status = 0;
-  pid_t ended = -1;
-  do {
-    ended = waitpid(process, &status, 0);
-  } while (ended < 0 && errno == EINTR);
-  if (ended < 0) return -1;
-  return WIFSIGNALED(status) ? kBySignal + WTERMSIG(status) : WEXITSTATUS(status);
-}
-
 void TraceCommand(int status, const std::string& shown) {
   if (Tracing(TraceKind::kShell)) Trace(TraceKind::kShell, std::to_string(status) + " " + shown);
 }
@@ -136,11 +97,11 @@ std::FILE* StartPiped(const Command& command) {
   if (pipe2(ends, O_CLOEXEC) != 0) return nullptr;
   FileHandle reading(ends[0]);
   const FileHandle writing(ends[1]);
-  const pid_t process = Spawn(command.run, writing.get());
+  const pid_t process = posix::StartShell(command.run.c_str(), writing.get(), Environment().get());
   if (process < 0) return nullptr;
   std::FILE* const stream = fdopen(reading.get(), "r");
   if (stream == nullptr) {
-    WaitFor(process);
+    posix::WaitForShell(process);
     return nullptr;
   }
   reading.Release();
@@ -165,8 +126,8 @@ int RunShell(const char* command) {
   const auto prepared = board::BoardCommand(command, board::Folder());
   int status = board::Refusal(prepared);
   if (status == 0) {
-    const pid_t process = board::Spawn(prepared.run, -1);
-    status = process < 0 ? -1 : board::WaitFor(process);
+    const pid_t process = posix::StartShell(prepared.run.c_str(), -1, board::Environment().get());
+    status = process < 0 ? -1 : posix::WaitForShell(process);
   }
   board::TraceCommand(status, prepared.shown);
   return status;
@@ -189,7 +150,7 @@ int CloseShell(std::FILE* stream) {
     command = std::move(entry.mapped());
   }
   std::fclose(stream);
-  const int status = board::WaitFor(command.process);
+  const int status = posix::WaitForShell(command.process);
   board::TraceCommand(status, command.shown);
   return status;
 }

@@ -4,6 +4,7 @@
 
 #include <system_error>
 
+#include "board/builttool.h"
 #include "board/files.h"
 
 namespace board {
@@ -14,12 +15,12 @@ namespace fs = std::filesystem;
 fs::path BoardProgram() {
   std::error_code unreadable;
   const fs::path own = fs::read_symlink("/proc/self/exe", unreadable);
-  for (const fs::path& program :
-       {own.parent_path() / "quivord-board", fs::path(QUIVORD_BOARD_TOOL)}) {
+  const fs::path built = BuiltTool();
+  for (const fs::path& program : {own.parent_path() / "quivord-board", built}) {
     if (access(program.c_str(), X_OK) == 0) return program;
   }
-  Fail("the program quivord-board is neither beside " + own.string() + " nor at " +
-       QUIVORD_BOARD_TOOL + "; build it or put it there");
+  const std::string also = built.empty() ? "" : ", nor at " + built.string();
+  Fail("the program quivord-board is not beside " + own.string() + also + "; put it there");
 }
 
 }  // namespace

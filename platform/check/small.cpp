@@ -1,0 +1,30 @@
+// platform/network.h and platform/info.h: settings that can't be read back.
+#include <platform/info.h>
+#include <platform/network.h>
+
+#include "check/report.h"
+
+namespace check {
+
+void Network(Report& report, const Options& options) {
+  report.Holds(ifcfg_set_curr_ip("192.168.0", "255.255.255.0", "192.168.0.1") != 0,
+               "what is no address is refused");
+  if (!options.lasting) {
+    report.Skip("the way to an address is chosen", "needs --lasting");
+    report.Skip("an address is set", "needs --lasting");
+    return;
+  }
+  report.Holds(ifcfg_set_eth_mode(0) == 0, "the way to an address is chosen");
+  report.Holds(ifcfg_set_curr_ip("192.168.0.10", "255.255.255.0", "192.168.0.1") == 0,
+               "an address is set");
+}
+
+void Info(Report& report, const Options& options) {
+  constexpr const char* kClaim = "the device info store takes bytes";
+  constexpr std::uint32_t kAddress = 0;
+  constexpr std::uint8_t kBytes[4] = {};
+  if (!options.lasting) return report.Skip(kClaim, "needs --lasting");
+  report.Holds(st_info_op(1, kAddress, sizeof kBytes, kBytes) == 0, kClaim);
+}
+
+}  // namespace check
