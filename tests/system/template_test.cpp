@@ -69,11 +69,12 @@ TEST(Template, DaemonStartsLogsWhatIsMissingAndStays) {
   fs::create_directories(root);
   const auto said = board_kit::Named() / "said";
   std::FILE* const output = std::fopen(said.c_str(), "w");
-  support::Process daemon({{"/usr/bin/unshare", "--user", "--map-root-user", "--mount", "sh", "-c",
-                            kEnter, "sh", root, QUIVORD_BUILD_DIR, "quivord-on-template", "-debug"},
-                           {},
-                           -1,
-                           fileno(output)});
+  support::Process daemon(
+      {{"/usr/bin/unshare", "--user", "--map-root-user", "--mount", "sh", "-c", kEnter, "sh", root,
+        support::Built(""), "quivord-on-template", "-debug"},
+       {},
+       -1,
+       fileno(output)});
   std::fclose(output);
   ASSERT_TRUE(Eventually([&] { return Log(root).find("Finish main init") != std::string::npos; }))
       << TextOf(said) << Log(root);
