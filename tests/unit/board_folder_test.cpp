@@ -103,9 +103,9 @@ TEST(BoardFolderDeathTest, RefusesABoardThatCannotBe) {
   Configure("slot = 1\nslots = 2\n");
   EXPECT_EXIT(cardsel_bit_self(), ends, "board.conf:2: unknown key 'slots'");
   fs::remove(Named() / "board.conf");
-  std::ofstream(Named() / "log") << "in the way";
-  EXPECT_EXIT(Folder(), ends, "log");
-  fs::remove(Named() / "log");
+  std::ofstream(Named() / "fpga") << "in the way";
+  EXPECT_EXIT(Folder(), ends, "fpga");
+  fs::remove(Named() / "fpga");
   fs::create_directories(Named() / "clock");
   EXPECT_EXIT(Folder(), ends, "clock");
   fs::remove(Named() / "clock");
