@@ -21,7 +21,7 @@ mount -t tmpfs -o size=40m none "$QUIVORD_BOARD" || exit 77
 "$BIN/quivord-board" create "$QUIVORD_BOARD" speed=20 >/dev/null
 ctl() { "$BIN/quivordctl" --timeout 5 "$@" >/dev/null 2>&1; echo "$1: $?"; }
 start() {
-  "$BIN/quivord" -debug >/dev/null 2>&1 &
+  setpriv --pdeathsig KILL -- "$BIN/quivord" -debug >/dev/null 2>&1 &
   for i in $(seq 100); do
     "$BIN/quivordctl" --timeout 1 ping --count 1 >/dev/null 2>&1 && return
     sleep 0.1

@@ -59,7 +59,11 @@ class ClientTest : public testing::Test {
               const std::lock_guard lock(mutex_);
               reports_.push_back(report);
             },
-        .on_end = [this](const quivord::Error&) { ended_ = true; },
+        .on_end =
+            [this](const quivord::Error&) {
+              ended_ = true;
+              ended_.notify_all();
+            },
     });
     ASSERT_TRUE(connected) << connected.error().text;
     client_ = std::move(connected.value());
@@ -252,9 +256,9 @@ TEST_F(ClientTest, DaemonThatDiesEndsEveryRequest) {
   EXPECT_EQ(reply.error().trouble, Trouble::kDisconnected);
   EXPECT_EQ(client_->Call({.address = 1, .length = 1}, kLong).error().trouble,
             Trouble::kDisconnected);
+  ended_.wait(false);  // the client is told last
   client_.reset();
   EXPECT_EQ(ended, 20);
-  EXPECT_TRUE(ended_);
 }
 
 TEST_F(ClientTest, DestructionEndsWhatIsInFlight) {
