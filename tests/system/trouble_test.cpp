@@ -116,12 +116,11 @@ TEST_P(Troubles, TheDaemonGoesOn) {
   board_kit::Put("scripts/run.sh", std::string(kPreamble) + GetParam().script);
   const std::filesystem::path board = board_kit::Named() / "board";
   std::filesystem::create_directories(board);
-  const auto run =
-      support::Run({"/usr/bin/unshare", "--map-root-user", "--mount", "--pid", "--fork",
-                    "--kill-child", "/bin/bash", board_kit::Named() / "scripts/run.sh"},
-                   {"QUIVORD_BOARD=" + board.string(), "BIN=" + support::Built("."),
-                    "SOURCE=" + support::Source(".")},
-                   std::chrono::seconds(60));
+  const auto run = support::Run({"/usr/bin/unshare", "--map-root-user", "--mount", "/bin/bash",
+                                 board_kit::Named() / "scripts/run.sh"},
+                                {"QUIVORD_BOARD=" + board.string(), "BIN=" + support::Built("."),
+                                 "SOURCE=" + support::Source(".")},
+                                std::chrono::seconds(60));
   if (run.status == 77 || run.err.find("unshare") != std::string::npos) {
     GTEST_SKIP() << "no name spaces here: " << run.err;
   }
