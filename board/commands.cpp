@@ -15,6 +15,7 @@
 #include "board/power.h"
 #include "board/stores.h"
 #include "board/text.h"
+#include "fleet.h"
 #include "run.h"
 #include "status.h"
 
@@ -241,6 +242,17 @@ void AddLifeCommands(Commands& commands, const std::vector<std::string>& daemon_
       });
   add_folder(run)->required();
   run->footer("Starts the daemon again after its reboot or power cut. Ends with its exit status.");
+  auto* const fleet = commands.Add(
+      "fleet", "Run many boards side by side; options behind -- are the daemons'",
+      [&](const Words& w) {
+        const auto count = Number(w.number, 1, kMostBoards, "COUNT");
+        status = RunFleet({static_cast<int>(count), w.folder, w.settings, daemon_options});
+      });
+  fleet->add_option("COUNT", words.number, "Number of boards, 1 to 99")->required();
+  add_folder(fleet)->required();
+  fleet->add_option("SETTINGS", words.settings, "key=value of board.conf, for boards it makes");
+  fleet->footer(
+      "The boards are DIR/01, DIR/02 and so on; 'quivordctl --board DIR --all' asks all.");
   add_folder(commands.Add("power-up", "Do what power that comes does: FPGA memory is cleared",
                           PowerUpBoard));
 }

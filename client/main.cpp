@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "all_boards.h"
 #include "commands.h"
 
 namespace {
@@ -42,7 +43,7 @@ std::string Called(const CLI::App& app) {
   return text;
 }
 
-ctl::Exit Run(const std::vector<Declared>& all, const ctl::OptionWords& words) {
+ctl::Exit RunOnOne(const std::vector<Declared>& all, const ctl::OptionWords& words) {
   const ctl::Options options = ctl::Understand(words);
   ctl::Output out(options.json);
   ctl::Context context{options, out};
@@ -50,6 +51,21 @@ ctl::Exit Run(const std::vector<Declared>& all, const ctl::OptionWords& words) {
     if (declared.app->parsed()) return declared.run(context);
   }
   return ctl::Exit::kWrongUse;
+}
+
+int Run(const std::vector<Declared>& all, const ctl::OptionWords& words) {
+  if (!words.all) return static_cast<int>(RunOnOne(all, words));
+  const auto folder = ctl::Understand(words).board;
+  const auto boards = ctl::BoardsIn(folder);
+  if (boards.empty()) {
+    throw CLI::ValidationError("--all", "finds no board in " + folder.string() +
+                                            "; 'quivord-board fleet' makes and runs some");
+  }
+  return ctl::RunOnAll(boards, words.json, [&](const std::filesystem::path& board) {
+    ctl::OptionWords on_board = words;
+    on_board.board = board;
+    return static_cast<int>(RunOnOne(all, on_board));
+  });
 }
 
 int Ctl(int argc, char** argv) {
@@ -60,7 +76,7 @@ int Ctl(int argc, char** argv) {
   const std::vector<Declared> all = DeclareAll(app);
   try {
     app.parse(argc, argv);
-    return static_cast<int>(Run(all, words));
+    return Run(all, words);
   } catch (const CLI::Success& shown) {
     return app.exit(shown);  // help
   } catch (const CLI::ParseError& error) {

@@ -87,6 +87,7 @@ std::uint32_t Options::OwnTask() const {
 void Declare(CLI::App& app, OptionWords& words) {
   app.add_option("--board", words.board, "Board folder (default: the one the daemon would take)")
       ->type_name("DIR");
+  app.add_flag("--all", words.all, "Ask every board that lies in the board folder, all at once");
   app.add_option("--as", words.as, "Register on the bus as owd, kye, moirad or task 0xID")
       ->type_name("TASK");
   app.add_option("--device", words.device,

@@ -34,6 +34,7 @@ struct Options {
 // What stands on the command line, before it is understood.
 struct OptionWords {
   std::string board;
+  bool all = false;
   std::string as;
   std::string device = "sender";
   std::string port;
