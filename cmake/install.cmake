@@ -4,7 +4,7 @@ include(GNUInstallDirs)
 install(TARGETS quivord quivord-platform-check RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(DIRECTORY platform/include/platform DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/quivord)
 if(QUIVORD_TOOLS)
-  install(TARGETS quivord-board quivordctl RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  install(TARGETS quivord-board quivordctl quivord-wall RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
   # The client library, with the layout of the messages that it carries.
   install(TARGETS quivord_client quivord_calc ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
   install(DIRECTORY client/include/quivord DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
