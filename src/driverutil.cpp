@@ -115,11 +115,12 @@ int ReadFPGABusBlock_tx(uint32_t addr, uint32_t length, uint8_t* data, uint8_t i
     record.header.index = index;
     record.extra.header.subtype = T_SPIDEV_REG;
     record.extra.offset = addr + at;
-    record.extra.length = std::min(FpgaWriteMaxLen, length - at);
+    const uint32_t count = std::min(FpgaWriteMaxLen, length - at);
+    record.extra.length = count;
     result = Shal_comif_ioctl(sizeof(record), 1, &record);
     if (result < 0) return result;
     const auto* value = reinterpret_cast<const uint8_t*>(record.value);
-    std::copy_n(value, record.extra.length, data + at);
+    std::copy_n(value, count, data + at);
   }
   return result;
 }

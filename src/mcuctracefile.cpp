@@ -42,7 +42,8 @@ CTraceFile::CTraceFile(const char* name, unsigned long maxSize, uint8_t shared, 
   std::fclose(m_pFile);
   m_pFile = std::fopen(name, "r+");
   if (m_pFile == nullptr || !lockShared()) return;
-  if (readEnd() < kHeaderSize) writeEnd(kHeaderSize);
+  char last = 0;
+  if (pread(fileno(m_pFile), &last, 1, kHeaderSize - 1) != 1) writeEnd(kHeaderSize);  // a new file
   fcntl(fileno(m_pFile), F_SETLK, &m_unlock);
 }
 
@@ -124,10 +125,10 @@ bool CTraceFile::lockShared() {
 }
 
 // The header's number. One that can't be read counts as an empty file's: text never lands on it.
+// Read past the stream, whose buffer may be older than what another process wrote since.
 long CTraceFile::readEnd() {
   char header[kHeaderSize + 1] = {};
-  std::fseek(m_pFile, 0, SEEK_SET);
-  if (std::fread(header, 1, kHeaderSize, m_pFile) != kHeaderSize) return kHeaderSize;
+  if (pread(fileno(m_pFile), header, kHeaderSize, 0) != kHeaderSize) return kHeaderSize;
   return std::max(kHeaderSize, std::strtol(header, nullptr, 10));
 }
 

@@ -4,12 +4,11 @@
 
 namespace ZEPH_MCUC {
 
-int Tprocess::Sprocess_doAdjustBrightness(int lenth, char* data) {
-  return RunPenetrateHandler("Sprocess_doAdjustBrightness", lenth, data,
-                             [](const PenetrateInfo& info) {
-                               Addr_HardWareBrightnessAdjust::SetBrightnessAdjustTable(
-                                   info.Register, info.length, info.data.data());
-                             });
+int Tprocess::Sprocess_doAdjustBrightness(int /*lenth*/, char* data) {
+  return RunPenetrateHandler("Sprocess_doAdjustBrightness", data, [](const PenetrateInfo& info) {
+    Addr_HardWareBrightnessAdjust::SetBrightnessAdjustTable(info.Register, info.length,
+                                                            info.data.data());
+  });
 }
 
 }  // namespace ZEPH_MCUC

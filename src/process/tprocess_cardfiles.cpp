@@ -25,8 +25,8 @@ void TellService(const PenetrateInfo& info) {
   Data_Global::getInstance()->SendDatetoOWD(info.Register, &kOne, 1);
 }
 
-// Stores what is no control.
-void StoreInFlash(const PenetrateInfo& info) {
+// Stores what is no control; false, logged, where flash doesn't take it.
+bool StoreInFlash(const PenetrateInfo& info) {
   if ((info.Register & cardfiles::kRenameBit) != 0) {
     MCUC_LOG(kLogInfo, ">>>>>>>>>>>>>>>>>Device ReName Space<<<<<<<<<<<<<");
   }
@@ -35,6 +35,7 @@ void StoreInFlash(const PenetrateInfo& info) {
   if (result != 0) {
     MCUC_LOG(kLogError, "=== Sprocess_RVConfigFileSpace ===write flash failed! ret = " << result);
   }
+  return result == 0;
 }
 
 void TakeHeader(const PenetrateInfo& info) {
@@ -78,8 +79,8 @@ void ServeCardFiles(const PenetrateInfo& info) {
     TellService(info);
   } else if (IsControl(reg)) {
     MCUC_LOG(kLogInfo, ">>>>>>>>>>>>>>>>>Send RvCfg File Ctrl Space!<<<<<<<<<<<<<");
-  } else {
-    StoreInFlash(info);
+  } else if (!StoreInFlash(info)) {
+    return;  // disk and table go no further than the image that a client reads back
   }
   if (reg >= cardfiles::kSend && reg <= cardfiles::kControlLast && info.length == 1) {
     SendFile(info);
@@ -97,8 +98,8 @@ void ServeCardFiles(const PenetrateInfo& info) {
 
 }  // namespace
 
-int Tprocess::Sprocess_RVConfigFileSpace(int lenth, char* data) {
-  return RunPenetrateHandler("Sprocess_RVConfigFileSpace", lenth, data, ServeCardFiles);
+int Tprocess::Sprocess_RVConfigFileSpace(int /*lenth*/, char* data) {
+  return RunPenetrateHandler("Sprocess_RVConfigFileSpace", data, ServeCardFiles);
 }
 
 int Tprocess::Sprocess_SendRVConfigFile(int lenth, char* data) {

@@ -127,12 +127,12 @@ int Tprocess::Sprocess_DisplayWarmUp(int lenth, char* data) {
   });
 }
 
-int Tprocess::Sprocess_SenderRGBGamma(int lenth, char* data) {
-  return RunPenetrateHandler("Sprocess_SenderRGBGamma", lenth, data, WriteGamma);
+int Tprocess::Sprocess_SenderRGBGamma(int /*lenth*/, char* data) {
+  return RunPenetrateHandler("Sprocess_SenderRGBGamma", data, WriteGamma);
 }
 
-int Tprocess::Sprocess_ScreenPatternGen(int lenth, char* data) {
-  return RunPenetrateHandler("Sprocess_ScreenPatternGen", lenth, data, WritePattern);
+int Tprocess::Sprocess_ScreenPatternGen(int /*lenth*/, char* data) {
+  return RunPenetrateHandler("Sprocess_ScreenPatternGen", data, WritePattern);
 }
 
 }  // namespace ZEPH_MCUC

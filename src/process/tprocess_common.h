@@ -37,9 +37,9 @@ inline void LogPenetrate(const char* name, const PenetrateInfo& info) {
 // The same as `RunHandler` for a block that holds a register, a length and bytes, which are logged:
 // `work(info)`.
 template <class Work>
-int RunPenetrateHandler(const char* name, int lenth, const char* data, Work work) {
+int RunPenetrateHandler(const char* name, const char* data, Work work) {
   return RunHandler(name, data, [&] {
-    const PenetrateInfo info = ReadPenetrateInfo(lenth, data);
+    const PenetrateInfo info = ReadPenetrateInfo(data);
     LogPenetrate(name, info);
     work(info);
   });

@@ -68,6 +68,14 @@ class Tprocess_ctl {
   void SendNetLinktoOWD1_4();
   void SendNetLinktoOWD5_8();
   void SendNetLinktoOWD9_16();
+  // The same, and nothing sends them yet. The last two name the same register.
+  void SendMStoOWD1_4();
+  void SendMStoOWD5_8();
+  void SendMStoOWD9_16();
+  void Send9DtoOWD();
+  void SendBandWidthInfo();
+  void SendFiberLinkInfo();
+  void SendFiberRedundInfo();
 
  private:
   static constexpr std::size_t kRows = 200;

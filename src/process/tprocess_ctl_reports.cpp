@@ -146,11 +146,18 @@ void Tprocess_ctl::SendRecvCardParaToOwdByLinkChange() {
   }
 }
 
-void Tprocess_ctl::SendRedundtoOWD1_4() { Global().SendStatusToOWD(feature::kRedundancy, 1); }
-void Tprocess_ctl::SendRedundtoOWD5_8() { Global().SendStatusToOWD(feature::kRedundancy4, 1); }
-void Tprocess_ctl::SendRedundtoOWD9_16() { Global().SendStatusToOWD(feature::kRedundancy8, 2); }
+void Tprocess_ctl::SendRedundtoOWD1_4() { Global().SendRedundtoOWD1_4(); }
+void Tprocess_ctl::SendRedundtoOWD5_8() { Global().SendRedundtoOWD5_8(); }
+void Tprocess_ctl::SendRedundtoOWD9_16() { Global().SendRedundtoOWD9_16(); }
 void Tprocess_ctl::SendNetLinktoOWD1_4() { Global().SendStatusToOWD(feature::kNetLink, 1); }
 void Tprocess_ctl::SendNetLinktoOWD5_8() { Global().SendStatusToOWD(feature::kNetLink4, 1); }
 void Tprocess_ctl::SendNetLinktoOWD9_16() { Global().SendStatusToOWD(feature::kNetLink8, 2); }
+void Tprocess_ctl::SendMStoOWD1_4() { Global().SendMStoOWD1_4(); }
+void Tprocess_ctl::SendMStoOWD5_8() { Global().SendMStoOWD5_8(); }
+void Tprocess_ctl::SendMStoOWD9_16() { Global().SendMStoOWD9_16(); }
+void Tprocess_ctl::Send9DtoOWD() { Global().Send9DtoOWD(); }
+void Tprocess_ctl::SendBandWidthInfo() { Global().SendBandWidthInfo(); }
+void Tprocess_ctl::SendFiberLinkInfo() { Global().SendFiberLinkInfo(); }
+void Tprocess_ctl::SendFiberRedundInfo() { Global().SendFiberLinkInfo(); }
 
 }  // namespace ZEPH_MCUC

@@ -4,8 +4,8 @@
 
 namespace ZEPH_MCUC {
 
-int Tprocess::Sprocess_DoFeatureInfo(int lenth, char* data) {
-  return RunPenetrateHandler("Sprocess_DoFeatureInfo", lenth, data, [](const PenetrateInfo& info) {
+int Tprocess::Sprocess_DoFeatureInfo(int /*lenth*/, char* data) {
+  return RunPenetrateHandler("Sprocess_DoFeatureInfo", data, [](const PenetrateInfo& info) {
     Data_Global::getInstance()->DoWriteFeatureInfo(info.Register, info.length, info.data.data());
   });
 }

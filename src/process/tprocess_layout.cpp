@@ -136,12 +136,12 @@ int Tprocess::Sprocess_AdvCalcParaOfSender(int /*lenth*/, char* data) {
   });
 }
 
-int Tprocess::Sprocess_PositionNetPort(int lenth, char* data) {
-  return RunPenetrateHandler("Sprocess_PositionNetPort", lenth, data, WritePositionTable);
+int Tprocess::Sprocess_PositionNetPort(int /*lenth*/, char* data) {
+  return RunPenetrateHandler("Sprocess_PositionNetPort", data, WritePositionTable);
 }
 
-int Tprocess::Sprocess_DoNumberFunCardPort(int lenth, char* data) {
-  return RunPenetrateHandler("Sprocess_DoNumberFunCardPort", lenth, data, WriteNumberTable);
+int Tprocess::Sprocess_DoNumberFunCardPort(int /*lenth*/, char* data) {
+  return RunPenetrateHandler("Sprocess_DoNumberFunCardPort", data, WriteNumberTable);
 }
 
 }  // namespace ZEPH_MCUC

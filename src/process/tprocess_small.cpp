@@ -49,9 +49,9 @@ void WriteBackupInfo(const PenetrateInfo& info) {
 
 }  // namespace
 
-int Tprocess::Sprocess_BasicData(int lenth, char* data) {
+int Tprocess::Sprocess_BasicData(int /*lenth*/, char* data) {
   if (data == nullptr) return RunHandler("Sprocess_BasicData", data, [] {});
-  RunPenetrateHandler("Sprocess_BasicData", lenth, data, [](const PenetrateInfo& info) {
+  RunPenetrateHandler("Sprocess_BasicData", data, [](const PenetrateInfo& info) {
     BasicPublicFunc::getInstance()->SetHwBasicinfo(info.Register, info.data);
   });
   return 1;  // the one handler that says so; nobody reads it
@@ -74,16 +74,16 @@ int Tprocess::Sprocess_doMappingForSender(int lenth, char* data) {
   });
 }
 
-int Tprocess::Sprocess_DoSoftwareTable(int lenth, char* data) {
-  return RunPenetrateHandler("Sprocess_DoSoftwareTable", lenth, data, WriteSoftwareTable);
+int Tprocess::Sprocess_DoSoftwareTable(int /*lenth*/, char* data) {
+  return RunPenetrateHandler("Sprocess_DoSoftwareTable", data, WriteSoftwareTable);
 }
 
-int Tprocess::Sprocess_DoScreenInfoEcho(int lenth, char* data) {
-  return RunPenetrateHandler("Sprocess_DoScreenInfoEcho", lenth, data, WriteScreenInfo);
+int Tprocess::Sprocess_DoScreenInfoEcho(int /*lenth*/, char* data) {
+  return RunPenetrateHandler("Sprocess_DoScreenInfoEcho", data, WriteScreenInfo);
 }
 
-int Tprocess::Sprocess_DoBackupInfo(int lenth, char* data) {
-  return RunPenetrateHandler("Sprocess_DoBackupInfo", lenth, data, WriteBackupInfo);
+int Tprocess::Sprocess_DoBackupInfo(int /*lenth*/, char* data) {
+  return RunPenetrateHandler("Sprocess_DoBackupInfo", data, WriteBackupInfo);
 }
 
 }  // namespace ZEPH_MCUC

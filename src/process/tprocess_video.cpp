@@ -7,8 +7,8 @@
 
 namespace ZEPH_MCUC {
 
-int Tprocess::Sprocess_DoDoEDIDSpace(int lenth, char* data) {
-  return RunPenetrateHandler("Sprocess_DoDoEDIDSpace", lenth, data, [](const PenetrateInfo& info) {
+int Tprocess::Sprocess_DoDoEDIDSpace(int /*lenth*/, char* data) {
+  return RunPenetrateHandler("Sprocess_DoDoEDIDSpace", data, [](const PenetrateInfo& info) {
     if (info.length > edid::kSize) {
       MCUC_LOG(kLogError, "=== DoWriteEdidInfo ===data length > 100! length = " << info.length);
     }

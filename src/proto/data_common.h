@@ -239,6 +239,17 @@ class Data_Global : public Singleton<Data_Global> {
   void SendMStoOWD5_8();
   void SendMStoOWD9_16();
   void SendC8toKye();
+  // Further ones, which nothing sends yet: the role; redundancy of ports 1 to 4, 5 to 8, 9 to 16;
+  // the bandwidth; card size and local time (as `DriverUtil::ReadTimes`) for the video application;
+  // anything for the video daemon.
+  void Send9DtoOWD();
+  void SendRedundtoOWD1_4();
+  void SendRedundtoOWD5_8();
+  void SendRedundtoOWD9_16();
+  void SendBandWidthInfo();
+  void SendCardSizetoKye();
+  void SendTimetoKye();
+  void SendDatetoMoirad(uint32_t reg, const uint8_t* data, uint16_t length);
   // Reports the roles of all ports where they changed since the last pass; flag thread.
   void SendRedundStatustoOWD();
 

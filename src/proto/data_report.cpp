@@ -28,6 +28,13 @@ void Send(uint32_t peer, uint32_t reg, const uint8_t* data, uint16_t length) {
   StubUtil::getInstance()->SendMsg(std::move(msg));  // it logs; a lost report is not repeated
 }
 
+void SendCardSize(const Data_Global& data, uint32_t peer) {
+  uint8_t size[4];
+  DWQ_ENCWD(size, data.ReceiveCardWidth);
+  DWQ_ENCWD(size + 2, data.ReceiveCardHeight);
+  Send(peer, report::kCardSize, size, sizeof(size));
+}
+
 // The roles at FPGA address `address`, which go into the image as well.
 void SendRoles(Data_Global* data, uint32_t address, uint16_t length) {
   std::array<uint8_t, 8> bytes{};
@@ -44,6 +51,10 @@ void Data_Global::SendDatetoOWD(uint32_t reg, const uint8_t* data, uint16_t leng
   Send(task::kOwd, reg, data, length);
 }
 
+void Data_Global::SendDatetoMoirad(uint32_t reg, const uint8_t* data, uint16_t length) {
+  Send(task::kMoirad, reg, data, length);
+}
+
 void Data_Global::SendFlag_quivordload() {
   constexpr uint8_t kReady = 0x02;
   MCUC_LOG(kLogError,
@@ -57,11 +68,17 @@ void Data_Global::SendRebootMsgtoOWD(const uint8_t* data, uint16_t length) {
   Send(task::kOwd, report::kReset, data, length);
 }
 
-void Data_Global::SendRVCardWHtoOWD() {
-  uint8_t size[4];
-  DWQ_ENCWD(size, ReceiveCardWidth);
-  DWQ_ENCWD(size + 2, ReceiveCardHeight);
-  Send(task::kOwd, report::kCardSize, size, sizeof(size));
+void Data_Global::SendRVCardWHtoOWD() { SendCardSize(*this, task::kOwd); }
+void Data_Global::SendCardSizetoKye() { SendCardSize(*this, task::kKye); }
+
+void Data_Global::SendTimetoKye() {
+  const auto time = DriverUtil::getInstance()->ReadTimes();
+  Send(task::kKye, report::kTime, time.data(), time.size());
+}
+
+void Data_Global::SendBandWidthInfo() {
+  constexpr uint8_t kBandwidth[] = {0xFF, 0xFF};
+  Send(task::kOwd, report::kBandwidth, kBandwidth, sizeof(kBandwidth));
 }
 
 void Data_Global::SendStatusToOWD(uint32_t address, uint16_t length) {
@@ -71,6 +88,10 @@ void Data_Global::SendStatusToOWD(uint32_t address, uint16_t length) {
 }
 
 void Data_Global::SendFiberLinkInfo() { SendStatusToOWD(feature::kFiberLink, 1); }
+void Data_Global::Send9DtoOWD() { SendStatusToOWD(feature::kRole, 1); }
+void Data_Global::SendRedundtoOWD1_4() { SendStatusToOWD(feature::kRedundancy, 1); }
+void Data_Global::SendRedundtoOWD5_8() { SendStatusToOWD(feature::kRedundancy4, 1); }
+void Data_Global::SendRedundtoOWD9_16() { SendStatusToOWD(feature::kRedundancy8, 2); }
 
 void Data_Global::SendMStoOWD1_4() { SendRoles(this, 0x18, 4); }
 void Data_Global::SendMStoOWD5_8() { SendRoles(this, 0x98, 4); }

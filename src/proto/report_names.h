@@ -13,6 +13,8 @@ inline constexpr uint32_t kCardMapping = 0x01000088;
 inline constexpr uint32_t kCardBrightness = 0x02000001;
 inline constexpr uint32_t kCardSize = 0x02100006;
 inline constexpr uint32_t kShortcut = 0x02810000;
+inline constexpr uint32_t kBandwidth = 0x02810008;
+inline constexpr uint32_t kTime = 0x13000300;
 }  // namespace report
 
 // What the data of a report hold.

@@ -73,7 +73,7 @@ inline constexpr int32_t kMostData = PROCESS_DATA_BLOCK_LENGTH - kData;  // 6552
 struct PenetrateInfo {
   uint32_t Register = 0;
   uint16_t length = 0;
-  std::span<const uint8_t> data;  // `length` bytes, or those that the block holds
+  std::span<const uint8_t> data;  // `length` bytes, at most as many as a block holds
 };
 
 // Writes register, length and bytes into `block`; false where they don't fit.
@@ -88,14 +88,14 @@ inline bool WritePenetrateInfo(uint32_t reg, std::span<const uint8_t> data,
   return true;
 }
 
-// Reads the content of a block of `length` bytes at `data`; it refers to them.
-inline PenetrateInfo ReadPenetrateInfo(int32_t length, const char* data) {
-  if (length < penetrate::kData) return {};
+// Reads the content of a block at `data`, by the length that it states itself; it refers to the
+// block's bytes.
+inline PenetrateInfo ReadPenetrateInfo(const char* data) {
   const auto* bytes = reinterpret_cast<const uint8_t*>(data);
   PenetrateInfo info;
   info.Register = DWQ_DECDW(bytes + penetrate::kRegister);
-  info.length = std::min(DWQ_DECWD(bytes + penetrate::kLength),
-                         static_cast<uint16_t>(length - penetrate::kData));
+  info.length =
+      std::min(DWQ_DECWD(bytes + penetrate::kLength), static_cast<uint16_t>(penetrate::kMostData));
   info.data = {bytes + penetrate::kData, info.length};
   return info;
 }

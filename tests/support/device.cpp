@@ -1,11 +1,13 @@
 #include "support/device.h"
 
 #include <platform/mbus.h>
+#include <platform/system.h>
 
 #include <array>
 #include <sstream>
 
 #include "board/cells.h"
+#include "board/files.h"
 #include "board/stores.h"
 #include "mcuctrace.h"
 #include "support/board_kit.h"
@@ -29,8 +31,7 @@ std::fstream LiveStore(std::uint32_t address) {
 std::map<std::string, std::string> LogFiles() {
   std::map<std::string, std::string> files;
   for (const auto& entry : std::filesystem::directory_iterator(board_kit::Named() / "log")) {
-    std::ifstream file(entry.path());
-    files[entry.path()] = {std::istreambuf_iterator<char>(file), {}};
+    files[entry.path()] = board::ReadWhole(entry.path()).value_or("");
   }
   return files;
 }
@@ -101,6 +102,11 @@ void Restore(bool online) {
 void WriteFeature(std::uint32_t offset, const char* hex) {
   inprocess::Write(0x02000000 + offset, inprocess::Bytes(hex));
   inprocess::DrainQueue();
+}
+
+void SetClock(std::time_t seconds) {
+  const timeval time{seconds, 0};
+  platform::SetTimeOfDay(&time, nullptr);
 }
 
 support::RawPeer ConnectOwd() {

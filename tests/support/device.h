@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <ctime>
 #include <map>
 #include <span>
 #include <string>
@@ -36,6 +37,10 @@ void Restore(bool online);
 
 // A write to feature register 0x02000000 + `offset`, served and carried out.
 void WriteFeature(std::uint32_t offset, const char* hex);
+
+// The board's clock, in seconds since 1970; it stands where `Begin` has been called.
+inline constexpr std::time_t kSunday = 1'709'441'999;  // 3 March 2024, 04:59:59
+void SetClock(std::time_t seconds);
 
 // The service daemon as a peer; joined when this returns.
 support::RawPeer ConnectOwd();

@@ -15,12 +15,7 @@ namespace {
 
 using namespace ZEPH_MCUC;
 
-constexpr std::time_t kSunday = 1'709'441'999;  // 3 March 2024, 04:59:59
-
-void SetBoardClock(std::time_t seconds) {
-  const timeval time{seconds, 0};
-  platform::SetTimeOfDay(&time, nullptr);
-}
+using device::kSunday;
 
 TEST(Clock, WeekdayIsThatOfTheCalendar) {
   for (std::time_t day = 946'684'800; day < 4'102'444'800; day += 86'400) {  // 2000 to 2099
@@ -37,7 +32,7 @@ TEST(Clock, WeekdayIsThatOfTheCalendar) {
 
 TEST(Clock, ReadsInBothForms) {
   device::Begin("none");
-  SetBoardClock(kSunday);
+  device::SetClock(kSunday);
   std::string numbers;
   for (std::uint8_t index = 0; index < 10; ++index) {
     numbers += std::to_string(DriverUtil::getInstance()->ReadTime(index)) + " ";
@@ -49,7 +44,7 @@ TEST(Clock, ReadsInBothForms) {
 TEST(Clock, WriteSetsSystemAndHardwareClock) {
   device::Begin("fpga flash shell clock");
   device::PutImage(0x1EC, "80008000");
-  SetBoardClock(kSunday);
+  device::SetClock(kSunday);
   support::Trace trace;
   device::WriteFeature(0x11, "311231235958");
   EXPECT_EQ(trace.Take(), R"(fpga W 0x11 311231235958
@@ -66,7 +61,7 @@ flash W 0xa3b100 x512
 
 TEST(Clock, OneByteOfTheTimeSetsItWithTheOthersAsTheyWereRead) {
   device::Begin("none");
-  SetBoardClock(kSunday);
+  device::SetClock(kSunday);
   inprocess::Read(0x02000011, 6);
   device::WriteFeature(0x14, "23");
   EXPECT_EQ(platform::Time(), kSunday + 19 * 3600);
@@ -80,7 +75,7 @@ TEST(Clock, WhatIsNoTimeIsLoggedAndNotSet) {
       "240101240000", "240101006000", "240101000060",                  // no time of day
   };
   device::Begin("clock shell");
-  SetBoardClock(kSunday);
+  device::SetClock(kSunday);
   device::Log log(0);
   device::PutImage(0x1EC, "80008000");
   support::Trace trace;

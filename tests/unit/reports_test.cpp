@@ -136,11 +136,19 @@ TEST(Reports, SingleFramesNameTheirRegister) {
          Global().SendRVCardWHtoOWD();
        },
        "owd 0x02100006 60019000\n"},
+      {[] { Global().SendCardSizetoKye(); }, "kye 0x02100006 60019000\n"},
+      {[] { Global().SendTimetoKye(); }, "kye 0x13000300 180303043b3b01\n"},
       {[] { Global().SendC8toKye(); }, "kye 0x02810000 c8\n"},
+      {Detect<&Tprocess_ctl::SendBandWidthInfo>, "owd 0x02810008 ffff\n"},
+      {Detect<&Tprocess_ctl::Send9DtoOWD>, "owd 0x0200009d 5a\n"},
+      {Detect<&Tprocess_ctl::SendFiberRedundInfo>, "owd 0x020001d7 a0\n"},
       {[] { Global().SendMStoOWD9_16(); }, "owd 0x02000100 0102030405060708\n"},
   };
   device::Begin("bus");
   device::PutFpga(0x100, "0102030405060708");
+  device::PutFpga(0x9D, "5a");
+  device::PutFpga(0x1D7, "a0");
+  device::SetClock(device::kSunday);
   support::Trace trace;
   for (const Case& c : kCases) {
     c.send();

@@ -9,8 +9,10 @@
 #include <set>
 #include <thread>
 
+#include "board/files.h"
 #include "mcuctrace.h"
 #include "support/board_kit.h"
+#include "support/device.h"
 
 namespace {
 
@@ -21,10 +23,7 @@ constexpr std::size_t kHeader = 32;
 constexpr time_t kNoon = 1'700'049'600;  // 15 November 2023, 12:00 UTC
 constexpr time_t kDay = 86'400;
 
-void SetClock(time_t seconds) {
-  const timeval time{seconds, 0};
-  platform::SetTimeOfDay(&time, nullptr);
-}
+using device::SetClock;
 
 // A run with `level` logged, on a board whose clock stands at noon.
 void Begin(int level) {
@@ -33,10 +32,7 @@ void Begin(int level) {
   g_logLevel = level;
 }
 
-std::string Read(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
+std::string Read(const fs::path& path) { return board::ReadWhole(path).value_or(""); }
 
 // The log file of `date` (as in its name) with number `number`.
 fs::path File(const std::string& date, int number) {
@@ -77,6 +73,11 @@ TEST(Trace, FileIsHeaderAndLines) {
 
 TEST(Trace, FilterSaysWhichLevelsAreLogged) {
   Begin(kLogNothing);
+  CTrace::instance();
+  bool formed = false;
+  MCUC_LOG(kLogError, (formed = true, "text"));
+  EXPECT_FALSE(formed);
+  EXPECT_EQ(Today(), "32" + std::string(29, ' ') + "\n") << "the file is there all the same";
   const std::vector<std::pair<int, std::string>> cases = {{0, "Error:0 Warning:0 "},
                                                           {2, "Error:2 Warning:2 Debug:2 "},
                                                           {3, "Error:3 Warning:3 Debug:3 Info:3 "},
@@ -92,15 +93,6 @@ TEST(Trace, FilterSaysWhichLevelsAreLogged) {
     for (std::size_t i = before; i < lines.size(); ++i) logged += lines[i] + " ";
     EXPECT_EQ(logged, expected);
   }
-}
-
-TEST(Trace, NothingLoggedLeavesTheHeaderAlone) {
-  Begin(kLogNothing);
-  CTrace::instance();
-  bool formed = false;
-  MCUC_LOG(kLogError, (formed = true, "text"));
-  EXPECT_FALSE(formed);
-  EXPECT_EQ(Today(), "32" + std::string(29, ' ') + "\n");
 }
 
 TEST(Trace, LineIsCutBehind960Characters) {
@@ -194,6 +186,21 @@ TEST(Trace, LinesOfManyThreadsStayWhole) {
   }
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(Lines(Today()), Texts(200, "Error:" + text));
+}
+
+TEST(Trace, SharedFileIsWrittenInTurnsAndBeginsAnewWhereItIsFull) {
+  setenv("TZ", "UTC", 1);
+  const std::string name = board_kit::Named() / "shared.log";
+  CTraceFile first(name.c_str(), 220, 1, 1);
+  EXPECT_EQ(Read(name), "32" + std::string(29, ' ') + "\n");
+  CTraceFile second(name.c_str(), 220, 1, 1);
+  first.write("Error", "one");
+  second.write("Error", "two");  // behind what another wrote since this one was opened
+  first.write("Error", "three");
+  EXPECT_EQ(Lines(Read(name)), (Texts{"Error:one", "Error:two", "Error:three"}));
+  second.write("Error", "four");
+  first.write("Error", "five");
+  EXPECT_EQ(Lines(Read(name)).front(), "Error:five");
 }
 
 // Puts `descriptor` in the place of standard output, as if the program had been started on it.
