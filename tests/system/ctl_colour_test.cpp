@@ -8,6 +8,7 @@
 #include "board/cells.h"
 #include "proto/calc_curves.h"
 #include "support/board_kit.h"
+#include "support/ctl.h"
 #include "support/daemon.h"
 #include "support/device.h"
 #include "support/run.h"
@@ -47,7 +48,7 @@ class CtlColour : public testing::Test {
 
   static json Json(Words words) {
     words.insert(words.begin(), "--json");
-    return json::parse(Out(words), nullptr, false);
+    return support::JsonOf(Out(words));
   }
 
   static std::string File(const char* name) { return board_kit::Named() / name; }
@@ -98,19 +99,19 @@ TEST_F(CtlColour, ModesAreChosenShownAndForgottenByARestart) {
 
 TEST_F(CtlColour, SettingsKeepWhatIsNotGiven) {
   EXPECT_TRUE(Out({"picture"}).starts_with("saturation 50, contrast 50, hue 0\nNobody has set it"));
-  const json first = Json({"picture", "--saturation", "60", "--hue", "-5"});
+  const json first = Json({"picture", "set", "--saturation", "60", "--hue", "-5"});
   EXPECT_EQ(first, (json{{"saturation", 60}, {"contrast", 50}, {"hue", 355}, {"set", true}}));
-  Out({"picture", "--contrast", "0"});
+  Out({"picture", "set", "--contrast", "0"});
   EXPECT_EQ(Out({"picture"}), "saturation 60, contrast 0, hue 355");
   EXPECT_EQ(device::Fpga(0xD00000, 18), std::string(36, '0'));  // no contrast, no light
-  Out({"picture", "--saturation", "0", "--hue", "0"});          // all zeros, and set all the same
+  Out({"picture", "set", "--saturation", "0", "--hue", "0"});   // all zeros, and set all the same
   EXPECT_EQ(Out({"picture"}), "saturation 0, contrast 0, hue 0");
 
   EXPECT_EQ(Out({"warmup"}), "no warm-up is set");
-  EXPECT_EQ(Run({"warmup", "--mode", "1"}).status, 2);  // the time would be anything
-  Out({"warmup", "--mode", "1", "--time", "60"});
+  EXPECT_EQ(Run({"warmup", "set", "--mode", "1"}).status, 2);  // the time would be anything
+  Out({"warmup", "set", "--mode", "1", "--time", "60"});
   Restart();
-  Out({"warmup", "--time", "70"});
+  Out({"warmup", "set", "--time", "70"});
   EXPECT_EQ(Json({"warmup"}), (json{{"mode", 1}, {"time", 70}}));
 }
 
@@ -187,8 +188,8 @@ TEST_F(CtlColour, WhatCannotBeIsRefusedBeforeItIsSent) {
       {"hdr", "hdr10", "--peak", "0"},
       {"hdr", "hdr10", "--ambient", "256"},
       {"hdr", "hlg", "--class", "7"},
-      {"picture", "--saturation", "101"},
-      {"picture", "--hue", "360"},
+      {"picture", "set", "--saturation", "101"},
+      {"picture", "set", "--hue", "360"},
       {"pattern", "pixel", "--every-x", "8", "--every-y", "8", "--first-x", "8"},
       {"pattern", "block", "--width", "0", "--height", "8"},
       {"pattern", "block", "--width", "8", "--height", "8", "--first-y", "-8"},

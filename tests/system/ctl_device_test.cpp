@@ -26,9 +26,9 @@ TEST(CtlIdentity, IsSetShownAndOutlivesARestart) {
   EXPECT_EQ(first.at("serial_preset"), true);
   EXPECT_EQ(first.at("model"), "1a2b");
   EXPECT_EQ(first.at("mac"), nullptr);
-  EXPECT_EQ(CtlOut({"identity", "set-serial", "13030D00000000AB"}),
+  EXPECT_EQ(CtlOut({"identity", "set", "--serial", "13030D00000000AB"}),
             "serial number is 13030d00000000ab");
-  EXPECT_EQ(CtlOut({"identity", "set-mac", "02-11-22-33-44-5F"}),
+  EXPECT_EQ(CtlOut({"identity", "set", "--mac", "02-11-22-33-44-5F"}),
             "MAC address is 02:11:22:33:44:5f from the next boot on");
   CtlOut({"write", "0x7", "77", "78"});
   EXPECT_NE(CtlOut({"identity"}).find("device_modelid"), std::string::npos);
@@ -47,12 +47,12 @@ TEST(CtlIdentity, IsSetShownAndOutlivesARestart) {
 TEST(CtlIdentity, RefusesWhatIsNone) {
   for (const char* serial :
        {"0000000000000000", "13030d00", "13030d00ffffffff0", "13030d00fffffffg"}) {
-    EXPECT_EQ(Ctl({"identity", "set-serial", serial}).status, 2) << serial;
+    EXPECT_EQ(Ctl({"identity", "set", "--serial", serial}).status, 2) << serial;
   }
   for (const char* mac :
        {"00:00:00:00:00:00", "03:11:22:33:44:55", "02:11:22:33:44", "021122334455",
         "02:11:22:33:44:5g", "02:11:22:33:44:55:", "02:11:22:33:44:5"}) {
-    EXPECT_EQ(Ctl({"identity", "set-mac", mac}).status, 2) << mac;
+    EXPECT_EQ(Ctl({"identity", "set", "--mac", mac}).status, 2) << mac;
   }
 }
 

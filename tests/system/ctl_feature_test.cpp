@@ -12,6 +12,7 @@
 #include "board/cells.h"
 #include "board/files.h"
 #include "support/board_kit.h"
+#include "support/ctl.h"
 #include "support/daemon.h"
 #include "support/run.h"
 
@@ -40,7 +41,7 @@ std::string Out(const Words& words) {
 
 nlohmann::json Json(Words words) {
   words.insert(words.begin(), "--json");
-  return nlohmann::json::parse(Out(words), nullptr, false);
+  return support::JsonOf(Out(words));
 }
 
 int Cell(std::uint32_t address) {

@@ -7,6 +7,7 @@
 
 #include "board/files.h"
 #include "support/board_kit.h"
+#include "support/ctl.h"
 #include "support/daemon.h"
 #include "support/process.h"
 #include "support/run.h"
@@ -22,7 +23,7 @@ support::RunResult Ctl(std::vector<std::string> arguments) {
 
 json Object(const support::RunResult& result) {
   EXPECT_EQ(result.status, 0) << result.err;
-  return json::parse(result.out, nullptr, false);
+  return support::JsonOf(result.out);
 }
 
 class VideoCommand : public testing::Test {

@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "support/board_kit.h"
+#include "support/ctl.h"
 #include "support/daemon.h"
 #include "support/run.h"
 #include "support/wall_bytes.h"
@@ -21,7 +22,7 @@ support::RunResult Ctl(std::vector<std::string> arguments) {
 
 json Object(const support::RunResult& result) {
   EXPECT_EQ(result.status, 0) << result.err;
-  return json::parse(result.out, nullptr, false);
+  return support::JsonOf(result.out);
 }
 
 // What a device with the wall shows.
@@ -127,7 +128,7 @@ TEST_F(WallCommand, RefusesInWords) {
     const support::RunResult result = Ctl(test.arguments);
     EXPECT_EQ(result.status, test.status) << test.says << ": " << result.err;
     EXPECT_NE(result.err.find(test.says), std::string::npos) << result.err;
-    EXPECT_EQ(json::parse(result.out, nullptr, false)["status"], test.status) << result.out;
+    EXPECT_EQ(support::JsonOf(result.out)["status"], test.status) << result.out;
   }
   daemon_.reset();
   EXPECT_EQ(Ctl({"show"}).status, 3);
