@@ -74,9 +74,14 @@ struct PlanWords {
   bool check = false;
 };
 
-void SayWarning(const Context& context, const brightness::Plan& plan) {
-  const std::string warning = brightness::WeekdayWarning(plan);
-  if (!warning.empty()) context.out.Show("note: " + warning, {{"note", warning}});
+// What is said of a plan; a warning stands in front of it.
+void SayPlan(const Context& context, const brightness::Plan& plan, const std::string& text,
+             std::size_t bytes) {
+  const std::string note = brightness::WeekdayWarning(plan);
+  context.out.Show((note.empty() ? "" : "note: " + note + "\n") + text,
+                   {{"plan", brightness::RowOf(plan.kind).word},
+                    {"bytes", bytes},
+                    {"note", note.empty() ? nlohmann::json(nullptr) : nlohmann::json(note)}});
 }
 
 Exit SendPlan(Context& context, const PlanWords& words) {
@@ -84,25 +89,22 @@ Exit SendPlan(Context& context, const PlanWords& words) {
   if (!plan) return context.Fail(plan.error());
   const brightness::Bytes bytes = brightness::TableOf(plan.value());
   const std::string kind = brightness::RowOf(plan.value().kind).word;
-  SayWarning(context, plan.value());
   if (words.check) {
-    context.out.Show(
-        words.file + " is fine: " + kind + ", " + std::to_string(bytes.size()) + " bytes",
-        {{"plan", kind}, {"bytes", bytes.size()}});
+    SayPlan(context, plan.value(),
+            words.file + " is fine: " + kind + ", " + std::to_string(bytes.size()) + " bytes",
+            bytes.size());
     return Exit::kDone;
   }
   BrightnessDevice device(context);
   Answer answer = device.Connect();
   if (Done(answer)) {
-    answer = device.WriteTable(bytes, [&](std::size_t sent) {
-      context.out.Show(
-          "sent " + std::to_string(sent) + " of " + std::to_string(bytes.size()) + " bytes",
-          {{"sent", sent}, {"of", bytes.size()}});
-    });
+    answer = device.WriteTable(
+        bytes, [&](std::size_t sent) { context.out.Progress("sent", sent, bytes.size()); });
   }
   if (!Done(answer)) return context.Fail(answer.exit, answer.text);
-  context.out.Show("in force and stored: " + std::string(brightness::RowOf(plan.value().kind).text),
-                   {{"plan", kind}, {"bytes", bytes.size()}});
+  SayPlan(context, plan.value(),
+          "in force and stored: " + std::string(brightness::RowOf(plan.value().kind).text),
+          bytes.size());
   return Exit::kDone;
 }
 
@@ -121,7 +123,7 @@ const Command kBrightnessSet{
     "  quivordctl brightness set 60%\n"
     "  quivordctl brightness set 200 --port 1\n"
     "  quivordctl brightness set 128 --port 0 --card 2\n"
-    "Without --port and --card: all cards. With --json: {brightness, port, card}.",
+    "Without --port and --card: all cards.",
     DeclareSet,
 };
 
@@ -131,9 +133,7 @@ const Command kBrightnessPlan{
     "  quivordctl brightness plan examples/brightness-mix.json\n"
     "  quivordctl brightness plan --check plan.json\n"
     "Kinds: list (times), sensor (light), mix (both), serial and hardware (an outside device).\n"
-    "docs/brightness.md shows a file of each. With --json: {sent, of} for each piece, {note} "
-    "where\n"
-    "  something is to be known, then {plan, bytes}.",
+    "docs/brightness.md shows a file of each.",
     DeclarePlan,
 };
 

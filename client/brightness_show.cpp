@@ -142,9 +142,7 @@ const Command kBrightnessShow{
     "show",
     "Show the plan that the device holds, and what is in force",
     "  quivordctl brightness show\n"
-    "  quivordctl --json brightness show\n"
-    "With --json: the plan as brightness export writes it, and in_force: {node, today} and next:\n"
-    "  {node, in_min}, or null.",
+    "  quivordctl --json brightness show\n",
     DeclareShow,
 };
 
@@ -164,7 +162,7 @@ const Command kBrightnessPreview{
     "  quivordctl brightness preview day.png --plan examples/brightness-mix.json\n"
     "  quivordctl brightness preview --week week.svg\n"
     "Computed by the daemon's own calculations, as after a week under the plan, in the light of a\n"
-    "  clear day. With --json: {file}.",
+    "  clear day.",
     DeclarePreview,
 };
 

@@ -9,7 +9,7 @@ Run Declare(CLI::App& app) {
   static constexpr const Command* kCommands[] = {
       &kBrightnessSet, &kBrightnessPlan, &kBrightnessShow, &kBrightnessExport, &kBrightnessPreview,
   };
-  return DeclareSubcommands(app, kCommands);
+  return DeclareSubcommands(app, kCommands, &kBrightnessShow);
 }
 
 }  // namespace

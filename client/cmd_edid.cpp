@@ -235,7 +235,7 @@ constexpr Command kSave{"save", "Save an input's EDID as a file",
 
 Run Declare(CLI::App& app) {
   static constexpr const Command* kCommands[] = {&kShow, &kSet, &kWrite, &kSave};
-  return DeclareSubcommands(app, kCommands);
+  return DeclareSubcommands(app, kCommands, &kShow);
 }
 
 }  // namespace

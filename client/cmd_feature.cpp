@@ -3,7 +3,9 @@
 #include "feature_set.h"
 #include "feature_value.h"
 #include "numbers.h"
+#include "option_words.h"
 #include "proto/calc_feature_words.h"
+#include "subcommands.h"
 #include "table.h"
 
 namespace ctl {
@@ -139,22 +141,43 @@ std::string Joined(const std::vector<std::string>& words) {
   return text;
 }
 
+std::vector<std::string> AllNames() {
+  std::vector<std::string> all;
+  for (const FeatureGroup& group : FeatureGroups()) {
+    const auto names = NamesOf(group.registers);
+    all.insert(all.end(), names.begin(), names.end());
+  }
+  return all;
+}
+
 Run Declare(CLI::App& app) {
   const auto words = std::make_shared<Words>();
-  app.require_subcommand(1);
-  auto* const show = app.add_subcommand("show", "Show all named registers, or all about one");
-  show->add_option("NAME", words->name, "Register, as show names it");
-  auto* const get = app.add_subcommand("get", "Print a register's value alone");
-  get->add_option("NAME", words->name, "Register, as show names it")->required();
-  auto* const set = app.add_subcommand("set", "Set a register, and wait until it shows");
-  set->add_option("NAME", words->name, "Register, as show names it")->required();
+  app.require_subcommand(0, 1);
+  auto* const show = AddPart(app, "show", "Show all named registers, or all about one",
+                             "  quivordctl feature show\n"
+                             "  quivordctl feature show bypass\n");
+  const auto name = [&words](CLI::App* part) {
+    auto* const option = part->add_option("NAME", words->name, "Register, as show names it");
+    Offer(option, AllNames());
+    return option;
+  };
+  name(show);
+  auto* const get = AddPart(app, "get", "Print a register's value alone",
+                            "  quivordctl feature get screen-width\n");
+  name(get)->required();
+  auto* const set = AddPart(app, "set", "Set a register, and wait until it shows",
+                            "  quivordctl feature set role slave\n"
+                            "  quivordctl feature set offset-x 100\n"
+                            "  quivordctl feature set bypass-offset -50,20\n");
+  name(set)->required();
   set->add_option("VALUE", words->value, "Value, as get prints it")->required()->expected(1, 2);
-  return [words, show, set](Context& context) {
-    if (show->parsed() && words->name.empty()) return ShowAll(context);
+  return [words, get, set](Context& context) {
+    const bool shows = !get->parsed() && !set->parsed();
+    if (shows && words->name.empty()) return ShowAll(context);
     const FeatureRegister* row = FindFeature(words->name);
     if (row == nullptr) return NoSuchName(context, words->name);
     if (set->parsed()) return SetFeature(context, *row, Joined(words->value));
-    return ShowOne(context, *row, show->parsed());
+    return ShowOne(context, *row, shows);
   };
 }
 
@@ -166,9 +189,7 @@ const Command kFeatureCommand{
     "  quivordctl feature show\n"
     "  quivordctl feature show bypass\n"
     "  quivordctl feature get screen-width\n"
-    "  quivordctl feature set role slave\n"
-    "  quivordctl feature set offset-x 100\n"
-    "  quivordctl feature set bypass-offset -50,20\n",
+    "  quivordctl feature set role slave\n",
     Declare,
 };
 

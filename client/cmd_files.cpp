@@ -16,7 +16,7 @@ Run Declare(CLI::App& app) {
   static constexpr const Command* kCommands[] = {
       &kFilesPut, &kFilesList, &kFilesSend, &kFilesRemove, &kFilesPack,
   };
-  return DeclareSubcommands(app, kCommands);
+  return DeclareSubcommands(app, kCommands, &kFilesList);
 }
 
 }  // namespace

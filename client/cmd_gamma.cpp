@@ -8,7 +8,7 @@ namespace {
 Run Declare(CLI::App& app) {
   static constexpr const Command* kCommands[] = {&kGammaUpload, &kGammaLoad, &kGammaShow,
                                                  &kGammaDraw};
-  return DeclareSubcommands(app, kCommands);
+  return DeclareSubcommands(app, kCommands, &kGammaShow);
 }
 
 }  // namespace

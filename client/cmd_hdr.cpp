@@ -148,11 +148,7 @@ Run DeclareHlg(CLI::App& app) {
   };
 }
 
-constexpr Command kShow{"show", "Say which mode the picture is in",
-                        "  quivordctl hdr show\n"
-                        "With --json: {mode, peak, ambient, low_gray, class, fpga, kept}; fpga is "
-                        "hdr, default or\n"
-                        "  unknown.",
+constexpr Command kShow{"show", "Say which mode the picture is in", "  quivordctl hdr show\n",
                         DeclareShow};
 constexpr Command kOff{"off", "Back to the default mode and its gamma tables",
                        "  quivordctl hdr off\n", DeclareOff};
@@ -162,7 +158,7 @@ constexpr Command kHlg{"hlg", "Show HLG", "  quivordctl hdr hlg --class 4\n", De
 
 Run Declare(CLI::App& app) {
   static constexpr const Command* kCommands[] = {&kShow, &kOff, &kHdr10, &kHlg};
-  return DeclareSubcommands(app, kCommands);
+  return DeclareSubcommands(app, kCommands, &kShow);
 }
 
 }  // namespace

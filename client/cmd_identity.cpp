@@ -6,6 +6,7 @@
 #include "device.h"
 #include "numbers.h"
 #include "proto/calc_identity.h"
+#include "subcommands.h"
 #include "table.h"
 
 namespace ctl {
@@ -105,64 +106,93 @@ struct Setting {
 };
 
 // Puts the bytes between those that stand there, and waits until they show.
-Exit Set(const Context& context, const Setting& setting, const std::string& done,
-         const nlohmann::json& object) {
+Answer Set(Device& device, const Setting& setting) {
+  const Bytes& bytes = setting.bytes;
+  Answer answer = device.ReadBytes(kIdentity, basicinfo::kSize);
+  if (answer.exit != Exit::kDone) return answer;
+  std::copy(bytes.begin(), bytes.end(), answer.data.begin() + setting.begin);
+  answer =
+      device.Write({.address = kIdentity + setting.written,
+                    .data = Part(answer.data, setting.written, setting.writtenLength),
+                    .shown_at = kIdentity + setting.begin,
+                    .shown_length = static_cast<std::uint16_t>(bytes.size()),
+                    .shows = [&bytes](auto shown) { return std::ranges::equal(shown, bytes); }});
+  if (answer.exit != Exit::kDone && !answer.data.empty()) {
+    answer.text = "written, but after " + std::to_string(kSettleTime.count()) +
+                  " seconds it reads " + HexText(answer.data);
+  }
+  return answer;
+}
+
+// What the words ask for; a wrong one is said.
+struct Wanted {
+  Bytes serial;
+  Bytes mac;
+  std::string fault;
+};
+
+Wanted Understood(const Words& words) {
+  Wanted wanted{ParseSerial(words.serial), ParseMac(words.mac), ""};
+  if (words.serial.empty() && words.mac.empty()) {
+    wanted.fault = "give --serial or --mac";
+  } else if (!words.serial.empty() && wanted.serial.empty()) {
+    wanted.fault = "--serial is 16 hexadecimal digits, not all of them 0";
+  } else if (!words.mac.empty() && wanted.mac.empty()) {
+    wanted.fault =
+        "--mac is six pairs of hexadecimal digits as 02:11:22:33:44:55, not all 0, the first one "
+        "even";
+  }
+  return wanted;
+}
+
+Exit Change(const Context& context, const Words& words) {
+  const Wanted wanted = Understood(words);
+  if (!wanted.fault.empty()) return context.Fail(Exit::kWrongUse, wanted.fault);
   Exit exit = Exit::kDone;
   const auto device = Device::Open(context, exit);
   if (device == nullptr) return exit;
-  const Bytes& bytes = setting.bytes;
-  Answer answer = device->ReadBytes(kIdentity, basicinfo::kSize);
+  Answer answer;
+  std::vector<std::string> lines;
+  nlohmann::json object;
+  if (!wanted.serial.empty()) {
+    // The device takes a serial number out of a write of the whole area, and nothing else of it.
+    answer = Set(*device, {basicinfo::kSerial, wanted.serial, 0, basicinfo::kSize});
+    object["serial"] = HexText(wanted.serial);
+    lines.push_back("serial number is " + HexText(wanted.serial));
+  }
+  if (!wanted.mac.empty() && answer.exit == Exit::kDone) {
+    // The byte in front of the address stays.
+    answer = Set(*device, {basicinfo::kMac + 1, wanted.mac, basicinfo::kMac, basicinfo::kMacBytes});
+    object["mac"] = MacText(wanted.mac);
+    lines.push_back("MAC address is " + MacText(wanted.mac) + " from the next boot on");
+  }
   if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
-  std::copy(bytes.begin(), bytes.end(), answer.data.begin() + setting.begin);
-  answer =
-      device->Write({.address = kIdentity + setting.written,
-                     .data = Part(answer.data, setting.written, setting.writtenLength),
-                     .shown_at = kIdentity + setting.begin,
-                     .shown_length = static_cast<std::uint16_t>(bytes.size()),
-                     .shows = [&bytes](auto shown) { return std::ranges::equal(shown, bytes); }});
-  if (answer.exit != Exit::kDone && answer.data.empty()) {
-    return context.Fail(answer.exit, answer.text);
-  }
-  if (answer.exit != Exit::kDone) {
-    return context.Fail(answer.exit, "written, but after " + std::to_string(kSettleTime.count()) +
-                                         " seconds it reads " + HexText(answer.data));
-  }
-  context.out.Show(done, object);
+  context.out.Show(lines.front() + (lines.size() > 1 ? "\n" + lines.back() : ""), object);
   return Exit::kDone;
 }
 
-Exit SetSerial(const Context& context, const std::string& word) {
-  const Bytes serial = ParseSerial(word);
-  if (serial.empty()) {
-    return context.Fail(Exit::kWrongUse, "SERIAL is 16 hexadecimal digits, not all of them 0");
-  }
-  // The device takes a serial number out of a write of the whole area, and nothing else of it.
-  return Set(context, {basicinfo::kSerial, serial, 0, basicinfo::kSize},
-             "serial number is " + HexText(serial), {{"serial", HexText(serial)}});
+Run DeclareSet(CLI::App& app) {
+  const auto words = std::make_shared<Words>();
+  app.add_option("--serial", words->serial, "Serial number, 16 hexadecimal digits")
+      ->type_name("SERIAL");
+  app.add_option("--mac", words->mac, "MAC address, as 02:11:22:33:44:55")->type_name("MAC");
+  return [words](Context& context) { return Change(context, *words); };
 }
 
-Exit SetMac(const Context& context, const std::string& word) {
-  const Bytes mac = ParseMac(word);
-  if (mac.empty()) {
-    return context.Fail(Exit::kWrongUse,
-                        "MAC is six pairs of hexadecimal digits as 02:11:22:33:44:55, not all 0, "
-                        "the first one even");
-  }
-  // The byte in front of the address stays.
-  return Set(context, {basicinfo::kMac + 1, mac, basicinfo::kMac, basicinfo::kMacBytes},
-             "MAC address is " + MacText(mac) + " from the next boot on", {{"mac", MacText(mac)}});
-}
+constexpr Command kShow{"show", "Show serial number, model and MAC address",
+                        "  quivordctl identity show\n",
+                        [](CLI::App& /*app*/) -> Run { return Show; }};
+constexpr Command kSet{
+    "set", "Set serial number, MAC address or both",
+    "  quivordctl identity set --serial 13030d0000000042\n"
+    "  quivordctl identity set --mac 02:11:22:33:44:55\n"
+    "The model can't be set here: it is the environment's key device_modelid, and what a client\n"
+    "writes into its place doesn't outlive a start.\n",
+    DeclareSet};
 
 Run Declare(CLI::App& app) {
-  const auto words = std::make_shared<Words>();
-  auto* const serial = app.add_subcommand("set-serial", "Give the device a serial number");
-  serial->add_option("SERIAL", words->serial, "16 hexadecimal digits")->required();
-  auto* const mac = app.add_subcommand("set-mac", "Give the device a MAC address");
-  mac->add_option("MAC", words->mac, "As 02:11:22:33:44:55")->required();
-  return [words, serial, mac](Context& context) {
-    if (serial->parsed()) return SetSerial(context, words->serial);
-    return mac->parsed() ? SetMac(context, words->mac) : Show(context);
-  };
+  static constexpr const Command* kCommands[] = {&kShow, &kSet};
+  return DeclareSubcommands(app, kCommands, &kShow);
 }
 
 }  // namespace
@@ -171,10 +201,7 @@ const Command kIdentityCommand{
     "identity",
     "Show serial number, model and MAC address, or set them",
     "  quivordctl identity\n"
-    "  quivordctl identity set-serial 13030d0000000042\n"
-    "  quivordctl identity set-mac 02:11:22:33:44:55\n"
-    "The model can't be set here: it is the environment's key device_modelid, and what a client\n"
-    "writes into its place doesn't outlive a start.\n",
+    "  quivordctl identity set --serial 13030d0000000042\n",
     Declare,
 };
 

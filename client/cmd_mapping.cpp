@@ -4,6 +4,7 @@
 #include "commands.h"
 #include "device.h"
 #include "proto/calc_feature_words.h"
+#include "subcommands.h"
 
 namespace ctl {
 namespace {
@@ -81,11 +82,18 @@ Exit Mapping(const Context& context, bool on) {
   return Exit::kDone;
 }
 
+constexpr Command kOn{"on", "Let every card show where it stands", "  quivordctl mapping on\n",
+                      [](CLI::App& /*app*/) -> Run {
+                        return [](Context& context) { return Mapping(context, true); };
+                      }};
+constexpr Command kOff{"off", "Let them show the picture again", "  quivordctl mapping off\n",
+                       [](CLI::App& /*app*/) -> Run {
+                         return [](Context& context) { return Mapping(context, false); };
+                       }};
+
 Run Declare(CLI::App& app) {
-  app.require_subcommand(1);
-  const auto* on = app.add_subcommand("on", "Let every card show where it stands");
-  app.add_subcommand("off", "Let them show the picture again");
-  return [on](Context& context) { return Mapping(context, on->parsed()); };
+  static constexpr const Command* kCommands[] = {&kOn, &kOff};
+  return DeclareSubcommands(app, kCommands);
 }
 
 }  // namespace

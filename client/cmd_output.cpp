@@ -2,9 +2,12 @@
 #include "device.h"
 #include "feature_set.h"
 #include "proto/calc_feature_words.h"
+#include "subcommands.h"
 
 namespace ctl {
 namespace {
+
+constexpr char kMember[] = "output";  // of JSON
 
 const ZEPH_MCUC::FeatureRegister& Row() { return *ZEPH_MCUC::FindFeature("output"); }
 
@@ -15,19 +18,26 @@ Exit Show(const Context& context) {
   const Answer answer = device->Read(Row());
   if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
   const std::string state = ZEPH_MCUC::FeatureText(Row(), answer.data);
-  context.out.Show("output is " + state, {{"output", state}});
+  context.out.Show("output is " + state, {{kMember, state}});
   return Exit::kDone;
 }
 
+constexpr Command kOpen{"open", "Let the FPGA's output go to the cards",
+                        "  quivordctl output open\n", [](CLI::App& /*app*/) -> Run {
+                          return [](Context& context) {
+                            return SetFeature(context, Row(), "open", kMember);
+                          };
+                        }};
+constexpr Command kClose{
+    "close", "Stop it", "  quivordctl output close\n", [](CLI::App& /*app*/) -> Run {
+      return [](Context& context) { return SetFeature(context, Row(), "closed", kMember); };
+    }};
+constexpr Command kShow{"show", "Say which it is", "  quivordctl output show\n",
+                        [](CLI::App& /*app*/) -> Run { return Show; }};
+
 Run Declare(CLI::App& app) {
-  app.require_subcommand(1);
-  const auto* open = app.add_subcommand("open", "Let the FPGA's output go to the cards");
-  const auto* close = app.add_subcommand("close", "Stop it");
-  app.add_subcommand("show", "Say which it is");
-  return [open, close](Context& context) {
-    if (open->parsed()) return SetFeature(context, Row(), "open");
-    return close->parsed() ? SetFeature(context, Row(), "closed") : Show(context);
-  };
+  static constexpr const Command* kCommands[] = {&kOpen, &kClose, &kShow};
+  return DeclareSubcommands(app, kCommands, &kShow);
 }
 
 }  // namespace

@@ -161,7 +161,7 @@ constexpr Command kBlock{"block", "Blocks side by side",
 
 Run Declare(CLI::App& app) {
   static constexpr const Command* kCommands[] = {&kPixel, &kBlock, &kOff, &kShow};
-  return DeclareSubcommands(app, kCommands);
+  return DeclareSubcommands(app, kCommands, &kShow);
 }
 
 }  // namespace
@@ -172,8 +172,7 @@ const Command kPatternCommand{
     "  quivordctl pattern pixel --every-x 8 --every-y 8\n"
     "  quivordctl pattern block --width 128 --height 128\n"
     "  quivordctl wall draw --pattern pattern.png\n"
-    "  quivordctl pattern off\n"
-    "With --json: {pattern, step: [x, y], first: [x, y]}; pattern is pixel, block or off.",
+    "  quivordctl pattern off\n",
     Declare,
 };
 

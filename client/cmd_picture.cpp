@@ -1,6 +1,7 @@
 #include "commands.h"
 #include "device.h"
 #include "proto/calc_hc.h"
+#include "subcommands.h"
 
 namespace ctl {
 namespace {
@@ -74,6 +75,7 @@ Exit Set(const Context& context, Device& device, const Colour& colour) {
       answer.exit, answer.text.empty() ? "the device took it, but doesn't show it" : answer.text);
 }
 
+// Sets what `words` say, and shows what holds where they say nothing.
 Exit Do(const Context& context, const Words& words) {
   Exit exit = Exit::kDone;
   const auto device = Device::Open(context, exit);
@@ -88,7 +90,7 @@ Exit Do(const Context& context, const Words& words) {
   return Exit::kDone;
 }
 
-Run Declare(CLI::App& app) {
+Run DeclareSet(CLI::App& app) {
   const auto words = std::make_shared<Words>();
   app.add_option("--saturation", words->saturation, "0 is gray, 50 as it comes, 100 twice as much")
       ->type_name("N")
@@ -99,7 +101,25 @@ Run Declare(CLI::App& app) {
   app.add_option("--hue", words->hue, "Degrees that colours turn by")
       ->type_name("N")
       ->check(CLI::Range(-180, 359));
-  return [words](Context& context) { return Do(context, *words); };
+  return [words](Context& context) {
+    if (words->any()) return Do(context, *words);
+    return context.Fail(Exit::kWrongUse, "give --saturation, --contrast or --hue");
+  };
+}
+
+constexpr Command kShow{
+    "show", "Show saturation, contrast and hue", "  quivordctl picture show\n",
+    [](CLI::App& /*app*/) -> Run { return [](Context& context) { return Do(context, {}); }; }};
+constexpr Command kSet{
+    "set", "Set them",
+    "  quivordctl picture set --saturation 60 --hue -5\n"
+    "What isn't given stays as it was, or 50, 50 and 0 where nobody has set it since the daemon's\n"
+    "  start.",
+    DeclareSet};
+
+Run Declare(CLI::App& app) {
+  static constexpr const Command* kCommands[] = {&kShow, &kSet};
+  return DeclareSubcommands(app, kCommands, &kShow);
 }
 
 }  // namespace
@@ -108,9 +128,7 @@ const Command kPictureCommand{
     "picture",
     "Show or set saturation, contrast and hue",
     "  quivordctl picture\n"
-    "  quivordctl picture --saturation 60 --hue -5\n"
-    "What isn't given stays as it was, or 50, 50 and 0 where nobody has set it since the daemon's\n"
-    "  start. With --json: {saturation, contrast, hue, set}.",
+    "  quivordctl picture set --saturation 60 --hue -5\n",
     Declare,
 };
 

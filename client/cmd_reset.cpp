@@ -5,6 +5,7 @@
 
 #include "commands.h"
 #include "numbers.h"
+#include "option_words.h"
 #include "reset_report.h"
 #include "table.h"
 
@@ -156,9 +157,10 @@ Exit Reset(const Context& context, const Words& words) {
 
 Run Declare(CLI::App& app) {
   const auto words = std::make_shared<Words>();
-  app.add_option("--type", words->type, "What is kept: 0 to 255, or a word")
-      ->type_name("T")
-      ->required();
+  auto* const type = app.add_option("--type", words->type, "What is kept: 0 to 255, or a word")
+                         ->type_name("T")
+                         ->required();
+  Offer(type, NamesOf(kResetRules));
   app.add_flag("--yes", words->yes, "Don't ask");
   app.add_option("--limit", words->limit_s, "How long it may take until the device is up again")
       ->type_name("SECONDS")

@@ -6,8 +6,10 @@
 
 #include "commands.h"
 #include "numbers.h"
+#include "option_words.h"
 #include "proto/calc_flashmap.h"
 #include "store_file.h"
+#include "subcommands.h"
 #include "table.h"
 
 namespace ctl {
@@ -220,19 +222,28 @@ Exit Put(const Context& context, const Words& words) {
 }
 
 void AddPlace(CLI::App& app, Words& words, bool required) {
-  app.add_option("PLACE", words.place, "Region by name, or address")->required(required);
+  auto* const place =
+      app.add_option("PLACE", words.place, "Region by name, or address")->required(required);
+  Offer(place, NamesOf(ZEPH_MCUC::FlashRegions()));
 }
 
 Run Declare(CLI::App& app) {
   const auto words = std::make_shared<Words>();
-  app.require_subcommand(1);
+  app.require_subcommand(0, 1);
   app.add_option("--store", words->store, "Which: live, factory or tmp")
       ->type_name("STORE")
       ->check(CLI::IsMember(std::vector<std::string>{"live", "factory", "tmp"}))
       ->capture_default_str();
-  auto* const dump = app.add_subcommand("dump", "Show the map of regions, or bytes for people");
-  auto* const get = app.add_subcommand("get", "Print bytes, or copy them into a file");
-  auto* const put = app.add_subcommand("put", "Put bytes, or those of a file, into the store");
+  auto* const dump = AddPart(app, "dump", "Show the map of regions, or bytes for people",
+                             "  quivordctl store dump\n"
+                             "  quivordctl store dump feature\n"
+                             "  quivordctl store --store factory dump 0xA3B100 512\n");
+  auto* const get = AddPart(app, "get", "Print bytes, or copy them into a file",
+                            "  quivordctl store get screen-size\n"
+                            "  quivordctl store get 0 0x1000000 --file backup.bin\n");
+  auto* const put = AddPart(app, "put", "Put bytes, or those of a file, into the store",
+                            "  quivordctl store put card-size 80000000 80000000\n"
+                            "  quivordctl store put 0 --file backup.bin\n");
   for (CLI::App* part : {dump, get, put}) AddPlace(*part, *words, part != dump);
   for (CLI::App* part : {dump, get}) {
     part->add_option("LENGTH", words->length, "Number of bytes; without it all of the region");
@@ -241,9 +252,9 @@ Run Declare(CLI::App& app) {
   for (CLI::App* part : {get, put}) {
     part->add_option("--file", words->file, "File of plain bytes")->type_name("FILE");
   }
-  return [words, dump, get](Context& context) {
-    if (dump->parsed()) return Dump(context, *words);
-    return get->parsed() ? Get(context, *words) : Put(context, *words);
+  return [words, get, put](Context& context) {
+    if (put->parsed()) return Put(context, *words);
+    return get->parsed() ? Get(context, *words) : Dump(context, *words);
   };
 }
 
@@ -255,9 +266,7 @@ const Command kStoreCommand{
     "  quivordctl store dump\n"
     "  quivordctl store dump feature\n"
     "  quivordctl store --store factory get screen-size\n"
-    "  quivordctl store get 0 0x1000000 --file backup.bin\n"
-    "  quivordctl store put card-size 80000000 80000000\n"
-    "  quivordctl store put 0 --file backup.bin\n",
+    "  quivordctl store put card-size 80000000 80000000\n",
     Declare,
 };
 

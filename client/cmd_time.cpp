@@ -6,12 +6,15 @@
 #include "feature_value.h"
 #include "process/calc_time.h"
 #include "proto/calc_feature_words.h"
+#include "subcommands.h"
 
 namespace ctl {
 namespace {
 
 constexpr const char* kWeekdays[] = {"Monday", "Tuesday",  "Wednesday", "Thursday",
                                      "Friday", "Saturday", "Sunday"};
+
+constexpr char kMember[] = "time";  // of JSON
 
 const ZEPH_MCUC::FeatureRegister& Row() { return *ZEPH_MCUC::FindFeature("time"); }
 
@@ -38,22 +41,33 @@ Exit Show(const Context& context) {
   if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
   const std::string time = ZEPH_MCUC::TimeText(answer.data);
   const std::string weekday = Weekday(answer.data);
-  context.out.Show(time + " (" + weekday + ")", {{"time", time}, {"weekday", weekday}});
+  context.out.Show(time + " (" + weekday + ")", {{kMember, time}, {"weekday", weekday}});
   return Exit::kDone;
 }
 
-Run Declare(CLI::App& app) {
+Run DeclareSet(CLI::App& app) {
   const auto words = std::make_shared<std::vector<std::string>>();
-  auto* const set = app.add_subcommand("set", "Set it: system clock and hardware clock");
-  set->add_option("TIME", *words, "now, or as 2026-07-03 12:00:00 in the device's own time")
+  app.add_option("TIME", *words, "now, or as 2026-07-03 12:00:00 in the device's own time")
       ->required()
       ->expected(1, 2);
-  return [set, words](Context& context) {
-    if (!set->parsed()) return Show(context);
+  return [words](Context& context) {
     const bool two = words->size() == 2;
     const std::string time = two ? words->front() + " " + words->back() : words->front();
-    return SetFeature(context, Row(), time == "now" ? Now() : time);
+    return SetFeature(context, Row(), time == "now" ? Now() : time, kMember);
   };
+}
+
+constexpr Command kShow{"show", "Show the device's time", "  quivordctl time show\n",
+                        [](CLI::App& /*app*/) -> Run { return Show; }};
+constexpr Command kSet{"set", "Set it: system clock and hardware clock",
+                       "  quivordctl time set now\n"
+                       "  quivordctl time set 2026-07-03T12:00:00\n"
+                       "now is this computer's time.",
+                       DeclareSet};
+
+Run Declare(CLI::App& app) {
+  static constexpr const Command* kCommands[] = {&kShow, &kSet};
+  return DeclareSubcommands(app, kCommands, &kShow);
 }
 
 }  // namespace
@@ -62,8 +76,7 @@ const Command kTimeCommand{
     "time",
     "Show or set the device's clock",
     "  quivordctl time\n"
-    "  quivordctl time set now\n"
-    "  quivordctl time set 2026-07-03T12:00:00\n",
+    "  quivordctl time set now\n",
     Declare,
 };
 

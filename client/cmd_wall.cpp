@@ -9,7 +9,7 @@ Run Declare(CLI::App& app) {
   static constexpr const Command* kCommands[] = {
       &kWallConfigure, &kWallAdvanced, &kWallShow, &kWallDraw, &kWallExport,
   };
-  return DeclareSubcommands(app, kCommands);
+  return DeclareSubcommands(app, kCommands, &kWallShow);
 }
 
 }  // namespace

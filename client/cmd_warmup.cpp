@@ -1,6 +1,7 @@
 #include "commands.h"
 #include "device.h"
 #include "proto/calc_hc.h"
+#include "subcommands.h"
 
 namespace ctl {
 namespace {
@@ -45,6 +46,7 @@ Exit Set(const Context& context, Device& device, std::vector<std::uint8_t> setti
       answer.exit, answer.text.empty() ? "the device took it, but didn't store it" : answer.text);
 }
 
+// Sets what `words` say, and shows what is stored where they say nothing.
 Exit Do(const Context& context, const Words& words) {
   Exit exit = Exit::kDone;
   const auto device = Device::Open(context, exit);
@@ -64,13 +66,27 @@ Exit Do(const Context& context, const Words& words) {
   return Set(context, *device, setting);
 }
 
-Run Declare(CLI::App& app) {
+Run DeclareSet(CLI::App& app) {
   const auto words = std::make_shared<Words>();
   app.add_option("--mode", words->mode, "Mode, a byte")->type_name("N")->check(CLI::Range(0, 255));
   app.add_option("--time", words->time, "Time of a step, a byte")
       ->type_name("N")
       ->check(CLI::Range(0, 255));
-  return [words](Context& context) { return Do(context, *words); };
+  return [words](Context& context) {
+    if (words->mode || words->time) return Do(context, *words);
+    return context.Fail(Exit::kWrongUse, "give --mode or --time");
+  };
+}
+
+constexpr Command kShow{
+    "show", "Show the stored warm-up setting", "  quivordctl warmup show\n",
+    [](CLI::App& /*app*/) -> Run { return [](Context& context) { return Do(context, {}); }; }};
+constexpr Command kSet{"set", "Set it; what isn't given stays as it was",
+                       "  quivordctl warmup set --mode 1 --time 60\n", DeclareSet};
+
+Run Declare(CLI::App& app) {
+  static constexpr const Command* kCommands[] = {&kShow, &kSet};
+  return DeclareSubcommands(app, kCommands, &kShow);
 }
 
 }  // namespace
@@ -79,8 +95,7 @@ const Command kWarmupCommand{
     "warmup",
     "Show or set the stored warm-up setting",
     "  quivordctl warmup\n"
-    "  quivordctl warmup --mode 1 --time 60\n"
-    "What isn't given stays as it was. With --json: {mode, time}, both null where none is set.",
+    "  quivordctl warmup set --mode 1 --time 60\n",
     Declare,
 };
 

@@ -6,6 +6,7 @@ std::span<const Command* const> Commands() {
   // A line each, so that commands join without touching others.
   // clang-format off
   static constexpr const Command* kCommands[] = {
+      &kDoctorCommand,
       &kStatusCommand,
       &kWallCommand,
       &kCardCommand,

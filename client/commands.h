@@ -13,6 +13,7 @@ extern const Command kWriteCommand;
 extern const Command kMonitorCommand;
 extern const Command kPingCommand;
 extern const Command kBrightnessCommand;
+extern const Command kDoctorCommand;
 extern const Command kStatusCommand;
 extern const Command kOutputCommand;
 extern const Command kTimeCommand;

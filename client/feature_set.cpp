@@ -33,17 +33,20 @@ Change MakeChange(const FeatureRegister& row, const Parsed& value, std::uint32_t
   return change;
 }
 
-void SayDone(const Output& out, const FeatureRegister& row, Shown before, Shown now) {
+void SayDone(const Output& out, const FeatureRegister& row, const char* member, Shown before,
+             Shown now) {
   const std::string value = ValueText(row, now);
   const std::string was = ValueText(row, before);
-  out.Show(
-      NameOf(row) + " is " + value + (was == value ? "" : " (was " + was + ")"),
-      {{"name", NameOf(row)}, {"value", ValueJson(row, now)}, {"was", ValueJson(row, before)}});
+  nlohmann::json object = {{member == nullptr ? "value" : member, ValueJson(row, now)},
+                           {"was", ValueJson(row, before)}};
+  if (member == nullptr) object["name"] = NameOf(row);
+  out.Show(NameOf(row) + " is " + value + (was == value ? "" : " (was " + was + ")"), object);
 }
 
 }  // namespace
 
-Exit SetFeature(const Context& context, const FeatureRegister& row, const std::string& word) {
+Exit SetFeature(const Context& context, const FeatureRegister& row, const std::string& word,
+                const char* member) {
   if (row.owner != FeatureOwner::kClient) {
     const bool hardware = row.owner == FeatureOwner::kHardware;
     return context.Fail(Exit::kRefused, "not sent: " + NameOf(row) + " is written by the " +
@@ -58,7 +61,7 @@ Exit SetFeature(const Context& context, const FeatureRegister& row, const std::s
   if (before.exit != Exit::kDone) return context.Fail(before.exit, before.text);
   const Answer now = device->Write(MakeChange(row, value, context.options.speed));
   if (now.exit == Exit::kDone) {
-    SayDone(context.out, row, before.data, now.data);
+    SayDone(context.out, row, member, before.data, now.data);
     return Exit::kDone;
   }
   if (now.data.empty()) return context.Fail(now.exit, now.text);

@@ -10,7 +10,8 @@ namespace ctl {
 
 // Sets `row` to the value that `word` says, waits until the device shows it, and says so. Refuses
 // what isn't a client's to write and what is no value, before anything is sent.
+// JSON has the value as `member`, or as `value` beside the register's `name`.
 Exit SetFeature(const Context& context, const ZEPH_MCUC::FeatureRegister& row,
-                const std::string& word);
+                const std::string& word, const char* member = nullptr);
 
 }  // namespace ctl

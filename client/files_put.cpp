@@ -69,7 +69,7 @@ Answer ForEach(const Context& context, const std::vector<Piece>& pieces, const c
     const Answer answer = step(piece);
     if (answer.exit != Exit::kDone) return answer;
     done += piece.bytes.size();
-    context.out.Progress(std::string(what) + ": " + std::to_string(done * 100 / all) + " %");
+    context.out.Progress(what, done, all);
   }
   return {};
 }

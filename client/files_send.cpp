@@ -60,8 +60,8 @@ void WaitOut(const Context& context, milliseconds pauses) {
   for (auto passed = milliseconds(0); passed < pauses;) {
     std::this_thread::sleep_for(std::min(kBeat, pauses - passed));
     passed = std::chrono::duration_cast<milliseconds>(steady_clock::now() - begin);
-    const auto percent = std::min<long>(passed.count() * 100 / pauses.count(), 100);
-    context.out.Progress("sent: about " + std::to_string(percent) + " %");
+    context.out.Progress("sent, about", static_cast<std::size_t>(passed.count()),
+                         static_cast<std::size_t>(pauses.count()));
   }
 }
 

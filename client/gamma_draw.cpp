@@ -46,8 +46,7 @@ const Command kGammaDraw{
     "draw",
     "Draw the tables that the FPGA holds, with the curve of their mode under them",
     "  quivordctl gamma draw gamma.png\n"
-    "  quivordctl gamma draw gamma.svg\n"
-    "With --json: {file}.",
+    "  quivordctl gamma draw gamma.svg\n",
     Declare,
 };
 

@@ -128,9 +128,7 @@ std::string GammaText(const GammaSet& set) {
 const Command kGammaShow{
     "show",
     "Show the tables that the FPGA holds",
-    "  quivordctl gamma show\n"
-    "With --json: {mode, exponents, red, green, blue}, a colour as {curve, entries}: 4096 numbers\n"
-    "  from 0 to 65535.",
+    "  quivordctl gamma show\n",
     DeclareShow,
 };
 
@@ -138,7 +136,7 @@ const Command kGammaLoad{
     "load",
     "Load the stored 10-bit set; a colour without one gets the built-in table",
     "  quivordctl gamma load\n"
-    "Ends an HDR mode, as 'quivordctl hdr off' does. With --json: {red, green, blue, was}.",
+    "Ends an HDR mode, as 'quivordctl hdr off' does.",
     DeclareLoad,
 };
 

@@ -1,5 +1,3 @@
-#include <unistd.h>
-
 #include <cmath>
 #include <fstream>
 #include <iterator>
@@ -15,7 +13,7 @@ using quivord::colour::GammaSet;
 namespace rgbgamma = ZEPH_MCUC::rgbgamma;
 
 constexpr std::uintmax_t kMostFile = 1 << 20;  // three numbers a line and remarks
-constexpr int kPieces = 3 * static_cast<int>(ZEPH_MCUC::kGammaTableSize / kGammaPiece);
+constexpr std::size_t kPieces = 3 * ZEPH_MCUC::kGammaTableSize / kGammaPiece;
 
 struct Words {
   std::string file;
@@ -23,24 +21,6 @@ struct Words {
   int depth = 10;
 
   rgbgamma::Set set() const { return depth == 12 ? rgbgamma::Set::k12Bit : rgbgamma::Set::k10Bit; }
-};
-
-// A line on a terminal that counts the pieces; elsewhere nothing.
-class Progress {
- public:
-  ~Progress() {
-    if (shown_) std::fprintf(stderr, "\r%*s\r", 40, "");
-  }
-  void Count() {
-    ++done_;
-    if (isatty(STDERR_FILENO) == 0) return;
-    shown_ = true;
-    std::fprintf(stderr, "\ruploading %2d of %d", done_, kPieces);
-  }
-
- private:
-  int done_ = 0;
-  bool shown_ = false;
 };
 
 quivord::Result<GammaSet> ReadFile(const std::string& name) {
@@ -68,15 +48,16 @@ quivord::Result<GammaSet> WantedSet(const Words& words) {
 }
 
 // The order matters: the last piece of blue is what loads the set.
-Answer SendPieces(Device& device, rgbgamma::Set which, const GammaSet& set) {
-  Progress progress;
+Answer SendPieces(const Context& context, Device& device, rgbgamma::Set which,
+                  const GammaSet& set) {
+  std::size_t sent = 0;
   for (const rgbgamma::Table& table : rgbgamma::TablesOf(which)) {
     const auto& bytes = set[static_cast<std::size_t>(table.colour)];
     for (std::uint32_t at = 0; at < bytes.size(); at += kGammaPiece) {
       Answer answer =
           device.Send(table.reg + at, {bytes.begin() + at, bytes.begin() + at + kGammaPiece});
       if (answer.exit != Exit::kDone) return answer;
-      progress.Count();
+      context.out.Progress("sent", ++sent, kPieces);
     }
   }
   return {};
@@ -126,7 +107,7 @@ Exit Upload(const Context& context, const Words& words) {
   PictureMode mode;
   Answer answer = ReadMode(*device, &mode);
   const bool loads = mode.set.HDRType == ZEPH_MCUC::hc::kDefaultMode;
-  if (answer.exit == Exit::kDone) answer = SendPieces(*device, words.set(), set.value());
+  if (answer.exit == Exit::kDone) answer = SendPieces(context, *device, words.set(), set.value());
   if (answer.exit == Exit::kDone) answer = SendExponent(*device, words);
   if (answer.exit == Exit::kDone) answer = device->AwaitWork();
   if (answer.exit == Exit::kDone && loads) answer = CheckLoaded(*device, set.value());
@@ -157,8 +138,8 @@ const Command kGammaUpload{
     "  quivordctl gamma upload tables.csv --depth 12\n"
     "A file of text has 4096 or 1024 lines, an input code a line from dark to bright: a number "
     "from\n"
-    "  0 to 65535, or three for red, green and blue. A binary one has 8192 or 3 times 8192 bytes.\n"
-    "With --json: {depth, loaded}.",
+    "  0 to 65535, or three for red, green and blue. A binary one has 8192 or 3 times 8192 "
+    "bytes.\n",
     Declare,
 };
 

@@ -1,15 +1,8 @@
 #include "options.h"
-
-#include <unistd.h>
-
-#include <array>
-#include <cmath>
-#include <fstream>
-#include <iterator>
-
 #include "board/folder.h"
 #include "board/settings.h"
 #include "numbers.h"
+#include "option_words.h"
 
 namespace ctl {
 namespace {
@@ -42,6 +35,13 @@ std::optional<Value> Look(const std::array<Word<Value>, N>& words, const std::st
     if (word == candidate.word) return candidate.value;
   }
   return std::nullopt;
+}
+
+template <class Value, std::size_t N>
+std::vector<std::string> WordsOf(const std::array<Word<Value>, N>& words) {
+  std::vector<std::string> all;
+  for (const auto& candidate : words) all.emplace_back(candidate.word);
+  return all;
 }
 
 template <class Value>
@@ -88,12 +88,16 @@ void Declare(CLI::App& app, OptionWords& words) {
   app.add_option("--board", words.board, "Board folder (default: the one the daemon would take)")
       ->type_name("DIR");
   app.add_flag("--all", words.all, "Ask every board that lies in the board folder, all at once");
-  app.add_option("--as", words.as, "Register on the bus as owd, kye, moirad or task 0xID")
-      ->type_name("TASK");
-  app.add_option("--device", words.device,
-                 "Whose registers: sender, receiver, multi, distribute or launcher")
-      ->type_name("KIND")
-      ->capture_default_str();
+  auto* const as =
+      app.add_option("--as", words.as, "Register on the bus as owd, kye, moirad or task 0xID")
+          ->type_name("TASK");
+  Offer(as, WordsOf(kTasks));
+  auto* const device =
+      app.add_option("--device", words.device,
+                     "Whose registers: sender, receiver, multi, distribute or launcher")
+          ->type_name("KIND")
+          ->capture_default_str();
+  Offer(device, WordsOf(kDevices));
   app.add_option("--port", words.port, "Output port of the device, 0 to 15 or all (default: 0)")
       ->type_name("N");
   app.add_option("--card", words.card, "Place of the device on its port, 0 up or all (default: 0)")

@@ -2,23 +2,51 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <cstdlib>
+#include <string_view>
+
+#include "quivord/interface_version.h"
 
 namespace ctl {
 namespace {
+
+constexpr std::chrono::seconds kBetweenLines{5};
+constexpr std::size_t kBar = 30;  // characters
+
+constexpr const char* kColours[] = {"\033[32m", "\033[1;31m", "\033[33m"};  // by tone
+constexpr char kPlain[] = "\033[0m";
 
 void PrintLine(const std::string& line) {
   std::printf("%s\n", line.c_str());
   std::fflush(stdout);
 }
 
-std::string Dump(const nlohmann::json& object) {
+// Every object says which interface it keeps to.
+std::string Dump(nlohmann::json object) {
+  object["interface"] = quivord::kInterfaceVersion;
   return object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+bool ShowsColours(int descriptor) {
+  const char* const unwanted = std::getenv("NO_COLOR");
+  const char* const kind = std::getenv("TERM");
+  const bool dumb = kind == nullptr || std::string_view(kind) == "dumb";
+  return (unwanted == nullptr || *unwanted == '\0') && !dumb && isatty(descriptor) == 1;
+}
+
+std::string Coloured(Tone tone, const std::string& text) {
+  return kColours[static_cast<std::size_t>(tone)] + text + kPlain;
 }
 
 }  // namespace
 
-Output::Output(bool json) : json_(json), terminal_(isatty(STDERR_FILENO) == 1) {}
+Output::Output(bool json)
+    : json_(json),
+      terminal_(isatty(STDERR_FILENO) == 1),
+      coloured_(ShowsColours(STDOUT_FILENO)),
+      spoken_(Clock::now()) {}
 
 void Output::Show(const std::string& text, const nlohmann::json& object) const {
   ClearProgress();
@@ -31,20 +59,39 @@ void Output::Show(const std::string& text, const nlohmann::json& object) const {
 
 void Output::Fault(const std::string& text, int status) const {
   ClearProgress();
-  std::fprintf(stderr, "quivordctl: %s\n", text.c_str());
+  const std::string who =
+      ShowsColours(STDERR_FILENO) ? Coloured(Tone::kBad, "quivordctl:") : "quivordctl:";
+  std::fprintf(stderr, "%s %s\n", who.c_str(), text.c_str());
   if (json_) PrintLine(Dump({{"error", text}, {"status", status}}));
+}
+
+std::string Output::Paint(Tone tone, const std::string& text) const {
+  return coloured_ ? Coloured(tone, text) : text;
 }
 
 void Output::Step(const std::string& text) const {
   if (json_) return;
   ClearProgress();
   std::fprintf(stderr, "%s\n", text.c_str());
+  spoken_ = Clock::now();
 }
 
 void Output::Progress(const std::string& text) const {
-  if (json_ || !terminal_) return;
-  std::fprintf(stderr, "\r\033[K%s", text.c_str());
-  progress_ = true;
+  if (json_) return;
+  if (terminal_) {
+    std::fprintf(stderr, "\r\033[K%s", text.c_str());
+    progress_ = true;
+  } else if (Clock::now() - spoken_ >= kBetweenLines) {
+    Step(text);
+  }
+}
+
+void Output::Progress(const std::string& what, std::size_t done, std::size_t all) const {
+  const std::size_t parts = all == 0 ? 0 : std::min(done, all) * 100 / all;
+  const std::string percent = std::to_string(parts) + " %";
+  if (!terminal_) return Progress(what + ": " + percent);
+  const std::size_t full = parts * kBar / 100;
+  Progress(what + " [" + std::string(full, '#') + std::string(kBar - full, '.') + "] " + percent);
 }
 
 void Output::ClearProgress() const {

@@ -1,10 +1,15 @@
-// What a command prints: text for people, or one JSON object.
+// What a command prints: text for people, or JSON objects that each carry the version of the
+// interface as `interface`.
 #pragma once
 
+#include <chrono>
+#include <cstddef>
 #include <nlohmann/json.hpp>
 #include <string>
 
 namespace ctl {
+
+enum class Tone { kGood, kBad, kDoubtful };
 
 class Output {
  public:
@@ -18,18 +23,27 @@ class Output {
   // `status` on standard output.
   void Fault(const std::string& text, int status) const;
 
-  // How far long work has come, on standard error and not with JSON: a step as a line of its own,
-  // and what changes in between as one line that is written over, only where somebody looks at a
-  // terminal.
+  // `text` in a colour where standard output is a terminal that shows some, and NO_COLOR isn't set.
+  std::string Paint(Tone tone, const std::string& text) const;
+
+  // How far long work has come, on standard error and not with JSON. A step is a line of its own.
+  // What changes in between is one line that is written over on a terminal, and elsewhere a line
+  // every five seconds, so that work that is soon done says nothing. `done` of `all` is a bar on a
+  // terminal, else a percentage.
   void Step(const std::string& text) const;
   void Progress(const std::string& text) const;
+  void Progress(const std::string& what, std::size_t done, std::size_t all) const;
 
  private:
   void ClearProgress() const;
 
+  using Clock = std::chrono::steady_clock;
+
   const bool json_;
-  const bool terminal_;
-  mutable bool progress_ = false;  // a line of progress stands on the terminal
+  const bool terminal_;               // standard error is one
+  const bool coloured_;               // results
+  mutable bool progress_ = false;     // a line of progress stands on the terminal
+  mutable Clock::time_point spoken_;  // when something was last printed
 };
 
 }  // namespace ctl

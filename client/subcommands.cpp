@@ -6,20 +6,30 @@
 
 namespace ctl {
 
-Run DeclareSubcommands(CLI::App& app, std::span<const Command* const> commands) {
-  app.require_subcommand(1);
+std::string ExamplesText(const std::string& examples) { return "Examples:\n" + examples; }
+
+CLI::App* AddPart(CLI::App& app, const char* name, const char* summary, const char* examples) {
+  CLI::App* const part = app.add_subcommand(name, summary);
+  part->fallthrough();
+  part->footer(ExamplesText(examples));
+  return part;
+}
+
+Run DeclareSubcommands(CLI::App& app, std::span<const Command* const> commands,
+                       const Command* alone) {
+  app.require_subcommand(alone == nullptr ? 1 : 0, 1);
   std::vector<std::pair<const CLI::App*, Run>> all;
+  Run otherwise;
   for (const Command* command : commands) {
-    CLI::App* sub = app.add_subcommand(command->name, command->summary);
-    sub->footer(std::string("Examples:\n") + command->examples);
-    sub->fallthrough();
-    all.emplace_back(sub, command->declare(*sub));
+    CLI::App* const part = AddPart(app, command->name, command->summary, command->examples);
+    all.emplace_back(part, command->declare(*part));
+    if (command == alone) otherwise = all.back().second;
   }
-  return [all](Context& context) {
-    for (const auto& [sub, run] : all) {
-      if (sub->parsed()) return run(context);
+  return [all, otherwise](Context& context) {
+    for (const auto& [part, run] : all) {
+      if (part->parsed()) return run(context);
     }
-    return Exit::kWrongUse;
+    return otherwise ? otherwise(context) : Exit::kWrongUse;
   };
 }
 

@@ -1,4 +1,4 @@
-// A command that is a family of commands.
+// Commands in the tree, and a command that is a family of commands.
 #pragma once
 
 #include <span>
@@ -7,8 +7,16 @@
 
 namespace ctl {
 
-// Declares `commands` below `app`, of which one has to be given; the common options may stand
-// behind it too. The function that comes back runs the one that was chosen.
-Run DeclareSubcommands(CLI::App& app, std::span<const Command* const> commands);
+// What `--help` says behind the options: whole command lines, and remarks behind them.
+std::string ExamplesText(const std::string& examples);
+
+// A command of this name below `app`. The common options may stand behind it too.
+CLI::App* AddPart(CLI::App& app, const char* name, const char* summary, const char* examples);
+
+// Declares `commands` below `app`. The function that comes back runs the one that was chosen;
+// where none was, `alone`, which takes no arguments that it needs, or else the command line is
+// wrong.
+Run DeclareSubcommands(CLI::App& app, std::span<const Command* const> commands,
+                       const Command* alone = nullptr);
 
 }  // namespace ctl

@@ -121,12 +121,7 @@ const Command kWallShow{
     "show",
     "Show the wall that the device holds, port by port",
     "  quivordctl wall show\n"
-    "  quivordctl --json wall show\n"
-    "With --json: {kind, screen: {width, height}, card: {width, height}, cabinets, ports:\n"
-    "  [{port, cards, window: {x, y, width, height}, repeats, backup}]}, and of a smart wall "
-    "rows,\n"
-    "  columns, cables and per_cable. kind is smart, advanced, software or none; repeats is the\n"
-    "  port whose picture this one shows again, or null.",
+    "  quivordctl --json wall show\n",
     DeclareShow,
 };
 
@@ -135,8 +130,7 @@ const Command kWallDraw{
     "Draw the wall that the device holds",
     "  quivordctl wall draw wall.png\n"
     "  quivordctl wall draw wall.svg\n"
-    "  quivordctl wall draw --pattern pattern.png\n"
-    "With --json: {file}.",
+    "  quivordctl wall draw --pattern pattern.png\n",
     DeclareDraw,
 };
 

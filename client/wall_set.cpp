@@ -1,5 +1,6 @@
 #include "commands.h"
 #include "numbers.h"
+#include "option_words.h"
 #include "wall/apply.h"
 #include "wall/check.h"
 #include "wall/text.h"
@@ -121,10 +122,12 @@ Run DeclareConfigure(CLI::App& app) {
   app.add_option("FILE", words->file, "A smart wall's file, in place of the numbers");
   app.add_option("--rows", words->rows, "Rows of cabinets, 1 to 255")->type_name("N");
   app.add_option("--columns", words->columns, "Columns of cabinets, 1 to 255")->type_name("N");
-  app.add_option("--cables", words->cables,
-                 "How cables run, by word or as 0 to 7: corner of the first cabinet, then rows or "
-                 "columns")
-      ->type_name("MODE");
+  auto* const cables =
+      app.add_option("--cables", words->cables,
+                     "How cables run, by word or as 0 to 7: corner of the first cabinet, then rows "
+                     "or columns")
+          ->type_name("MODE");
+  Offer(cables, NamesOf(ZEPH_MCUC::kConnectionModes));
   app.add_option("--per-cable", words->perCable,
                  "Cabinets that one cable may carry, 1 to 512; rounded up to whole lines")
       ->type_name("N");
@@ -189,7 +192,7 @@ const Command kWallConfigure{
     "  4 bottom-left-rows, 5 bottom-left-columns, 6 bottom-right-rows, 7 bottom-right-columns.\n"
     "Limits: 2048 cabinets, 512 a cable, at least as many as one cable may carry, ten ports.\n"
     "A file: {\"kind\": \"smart\", \"rows\": 4, \"columns\": 3, \"cables\": \"top-left-rows\",\n"
-    "  \"per_cable\": 6}. With --json prints the same, and with --wait what wall show prints.",
+    "  \"per_cable\": 6}.",
     DeclareConfigure,
 };
 
@@ -199,8 +202,7 @@ const Command kWallAdvanced{
     "  quivordctl wall advanced wall.json\n"
     "A file: {\"kind\": \"advanced\", \"ports\": [{\"port\": 0, \"cables\": \"top-left-rows\",\n"
     "  \"rows\": 2, \"columns\": 2, \"x\": 0, \"y\": 0}, ...]}; x and y in pixels; ports that it\n"
-    "  leaves out carry nothing. Limits: 512 cabinets a port, 2048 in all.\n"
-    "With --json prints what wall show prints.",
+    "  leaves out carry nothing. Limits: 512 cabinets a port, 2048 in all.\n",
     DeclareAdvanced,
 };
 

@@ -5,6 +5,14 @@ install(TARGETS quivord quivord-platform-check RUNTIME DESTINATION ${CMAKE_INSTA
 install(DIRECTORY platform/include/platform DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/quivord)
 if(QUIVORD_TOOLS)
   install(TARGETS quivord-board quivordctl quivord-wall RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  install(FILES client/completion/quivordctl.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+          RENAME quivordctl)
+  install(FILES client/completion/_quivordctl DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)
+  install(DIRECTORY docs/schema DESTINATION ${CMAKE_INSTALL_DATADIR}/quivordctl)
+  if(TARGET quivord-manual)
+    install(DIRECTORY ${CMAKE_BINARY_DIR}/man/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 FILES_MATCHING PATTERN "*.1")
+    install(FILES ${CMAKE_BINARY_DIR}/man/quivord.8 DESTINATION ${CMAKE_INSTALL_MANDIR}/man8)
+  endif()
   # The client library, with the layout of the messages that it carries.
   install(TARGETS quivord_client quivord_calc ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
   install(DIRECTORY client/include/quivord DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})

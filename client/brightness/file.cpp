@@ -126,7 +126,7 @@ std::vector<Extra> ReadExtra(const Object& file) {
 }
 
 void ReadListPlan(const Object& file, Plan& plan) {
-  file.Only({"kind", "nodes", "extra"});
+  file.Only({"interface", "kind", "nodes", "extra"});
   plan.list = ReadList(file, "nodes", ReadListNode);
   std::size_t coloured = 0;
   for (std::size_t i = 0; i < plan.list.size(); ++i) {
@@ -139,7 +139,7 @@ void ReadListPlan(const Object& file, Plan& plan) {
 }
 
 void ReadSensorPlan(const Object& file, Plan& plan) {
-  file.Only({"kind", "sensors", "dark", "bright", "steps", "extra"});
+  file.Only({"interface", "kind", "sensors", "dark", "bright", "steps", "extra"});
   plan.sensors = ReadList(file, "sensors", ReadSensor);
   const Object dark = file.Sub("dark");
   const Object bright = file.Sub("bright");
@@ -168,8 +168,8 @@ void ReadPositions(const Object& file, Plan& plan) {
 }
 
 void ReadMixPlan(const Object& file, Plan& plan) {
-  file.Only({"kind", "on", "runs", "gradual", "nodes", "sensors", "reading", "lux_map", "fallback",
-             "positions", "extra"});
+  file.Only({"interface", "kind", "on", "runs", "gradual", "nodes", "sensors", "reading", "lux_map",
+             "fallback", "positions", "extra"});
   plan.header.on = file.FlagOr("on", true);
   plan.header.runs = file.FlagOr("runs", true);
   plan.header.gradual = file.FlagOr("gradual", true);

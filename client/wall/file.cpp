@@ -21,7 +21,7 @@ std::uint8_t ReadMode(const Object& object) {
 }
 
 Smart ReadSmart(const Object& file) {
-  file.Only({"kind", "rows", "columns", "cables", "per_cable"});
+  file.Only({"interface", "kind", "rows", "columns", "cables", "per_cable"});
   return {.rows = file.Whole<std::uint8_t>("rows", 1, 255),
           .columns = file.Whole<std::uint8_t>("columns", 1, 255),
           .perCable = file.Whole<std::uint16_t>("per_cable", 1, 65535),
@@ -38,7 +38,7 @@ PortRecord ReadPort(const Object& port) {
 }
 
 PortRecords ReadPorts(const Object& file) {
-  file.Only({"kind", "ports"});
+  file.Only({"interface", "kind", "ports"});
   PortRecords records{};
   for (std::size_t i = 0; i < file.List("ports").size(); ++i) {
     const Object port = file.Entry("ports", i);

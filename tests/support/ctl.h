@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "quivord/interface_version.h"
 #include "support/board_kit.h"
 #include "support/rows.h"
 #include "support/run.h"
@@ -28,9 +29,17 @@ inline std::string CtlOut(const Words& words) {
   return run.out.substr(0, run.out.find_last_not_of('\n') + 1);
 }
 
+// An object that quivordctl printed, without the version that each of them carries.
+inline nlohmann::json JsonOf(const std::string& line) {
+  nlohmann::json object = nlohmann::json::parse(line, nullptr, false);
+  EXPECT_EQ(object.value("interface", 0), quivord::kInterfaceVersion) << line;
+  object.erase("interface");
+  return object;
+}
+
 inline nlohmann::json CtlJson(Words words) {
   words.insert(words.begin(), "--json");
-  return nlohmann::json::parse(CtlOut(words), nullptr, false);
+  return JsonOf(CtlOut(words));
 }
 
 // Runs a row of `Rows`: the words, the exit status, and what is said on either output. A word's "%"

@@ -83,19 +83,20 @@ TEST_F(CtlColour, ModesAreChosenShownAndForgottenByARestart) {
 
 TEST_F(CtlColour, SettingsKeepWhatIsNotGiven) {
   EXPECT_TRUE(Out({"picture"}).starts_with("saturation 50, contrast 50, hue 0\nNobody has set it"));
-  const json first = Json({"picture", "--saturation", "60", "--hue", "-5"});
+  const json first = Json({"picture", "set", "--saturation", "60", "--hue", "-5"});
   EXPECT_EQ(first, (json{{"saturation", 60}, {"contrast", 50}, {"hue", 355}, {"set", true}}));
-  Out({"picture", "--contrast", "0"});
+  Out({"picture", "set", "--contrast", "0"});
   EXPECT_EQ(Out({"picture"}), "saturation 60, contrast 0, hue 355");
   EXPECT_EQ(device::Fpga(0xD00000, 18), std::string(36, '0'));  // no contrast, no light
-  Out({"picture", "--saturation", "0", "--hue", "0"});          // all zeros, and set all the same
+  Out({"picture", "set", "--saturation", "0", "--hue", "0"});   // all zeros, and set all the same
   EXPECT_EQ(Out({"picture"}), "saturation 0, contrast 0, hue 0");
 
   EXPECT_EQ(Out({"warmup"}), "no warm-up is set");
-  EXPECT_EQ(support::Ctl({"warmup", "--mode", "1"}).status, 2);  // the time would be anything
-  Out({"warmup", "--mode", "1", "--time", "60"});
+  EXPECT_EQ(support::Ctl({"warmup", "set", "--mode", "1"}).status,
+            2);  // the time would be anything
+  Out({"warmup", "set", "--mode", "1", "--time", "60"});
   Restart();
-  Out({"warmup", "--time", "70"});
+  Out({"warmup", "set", "--time", "70"});
   EXPECT_EQ(Json({"warmup"}), (json{{"mode", 1}, {"time", 70}}));
 }
 
@@ -172,8 +173,8 @@ TEST_F(CtlColour, WhatCannotBeIsRefusedBeforeItIsSent) {
       {"hdr", "hdr10", "--peak", "0"},
       {"hdr", "hdr10", "--ambient", "256"},
       {"hdr", "hlg", "--class", "7"},
-      {"picture", "--saturation", "101"},
-      {"picture", "--hue", "360"},
+      {"picture", "set", "--saturation", "101"},
+      {"picture", "set", "--hue", "360"},
       {"pattern", "pixel", "--every-x", "8", "--every-y", "8", "--first-x", "8"},
       {"pattern", "block", "--width", "0", "--height", "8"},
       {"pattern", "block", "--width", "8", "--height", "8", "--first-y", "-8"},

@@ -26,9 +26,9 @@ TEST(CtlIdentity, IsSetShownAndOutlivesARestart) {
   EXPECT_EQ(first.at("serial_preset"), true);
   EXPECT_EQ(first.at("model"), "1a2b");
   EXPECT_EQ(first.at("mac"), nullptr);
-  EXPECT_EQ(CtlOut({"identity", "set-serial", "13030D00000000AB"}),
+  EXPECT_EQ(CtlOut({"identity", "set", "--serial", "13030D00000000AB"}),
             "serial number is 13030d00000000ab");
-  EXPECT_EQ(CtlOut({"identity", "set-mac", "02-11-22-33-44-5F"}),
+  EXPECT_EQ(CtlOut({"identity", "set", "--mac", "02-11-22-33-44-5F"}),
             "MAC address is 02:11:22:33:44:5f from the next boot on");
   CtlOut({"write", "0x7", "77", "78"});
   EXPECT_NE(CtlOut({"identity"}).find("device_modelid"), std::string::npos);
@@ -46,10 +46,11 @@ TEST(CtlIdentity, IsSetShownAndOutlivesARestart) {
 
 TEST(CtlIdentity, RefusesWhatIsNone) {
   for (const char* words :
-       {"set-serial 0000000000000000", "set-serial 13030d00", "set-serial 13030d00ffffffff0",
-        "set-serial 13030d00fffffffg", "set-mac 00:00:00:00:00:00", "set-mac 03:11:22:33:44:55",
-        "set-mac 02:11:22:33:44", "set-mac 021122334455", "set-mac 02:11:22:33:44:5g",
-        "set-mac 02:11:22:33:44:55:", "set-mac 02:11:22:33:44:5"}) {
+       {"set --serial 0000000000000000", "set --serial 13030d00", "set --serial 13030d00ffffffff0",
+        "set --serial 13030d00fffffffg", "set --mac 00:00:00:00:00:00",
+        "set --mac 03:11:22:33:44:55", "set --mac 02:11:22:33:44", "set --mac 021122334455",
+        "set --mac 02:11:22:33:44:5g",
+        "set --mac 02:11:22:33:44:55:", "set --mac 02:11:22:33:44:5"}) {
     support::ExpectCtl({words, "2"}, {"identity"});
   }
 }

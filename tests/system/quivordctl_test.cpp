@@ -9,6 +9,7 @@
 #include <nlohmann/json.hpp>
 
 #include "stub/frame_layout.h"
+#include "support/ctl.h"
 #include "support/daemon.h"
 #include "support/fake_daemon.h"
 #include "support/run.h"
@@ -55,7 +56,7 @@ TEST_F(QuivordctlOnADaemon, ReadsBackWhatItWrote) {
   EXPECT_EQ(text.status, 0) << text.err;
   EXPECT_EQ(text.out, "0xF0000100  11 22 33 4a  |.\"3J|\n");
   const RunResult json = Ctl({"--json", "read", "0xF0000100", "4"});
-  EXPECT_EQ(nlohmann::json::parse(json.out),
+  EXPECT_EQ(support::JsonOf(json.out),
             nlohmann::json({{"address", 0xF0000100}, {"length", 4}, {"data", "1122334a"}}));
 }
 
@@ -86,7 +87,7 @@ TEST_F(QuivordctlOnADaemon, EndsAsTheDeviceAnswers) {
 TEST_F(QuivordctlOnADaemon, PingMeasuresRoundTrips) {
   const RunResult result = Ctl({"--json", "ping", "--count", "20"});
   ASSERT_EQ(result.status, 0) << result.err;
-  const auto ping = nlohmann::json::parse(result.out);
+  const auto ping = support::JsonOf(result.out);
   EXPECT_EQ(ping["count"], 20);
   EXPECT_GT(ping["minimum_us"], 0);
   EXPECT_LE(ping["minimum_us"], ping["median_us"]);
@@ -138,7 +139,7 @@ TEST(Quivordctl, NoDaemonEndsWith3AndNamesTheBoard) {
     const RunResult result = Ctl("/nonexistent/board", {"--json", command});
     EXPECT_EQ(result.status, 3) << command;
     EXPECT_NE(result.err.find("/nonexistent/board"), std::string::npos) << result.err;
-    EXPECT_EQ(nlohmann::json::parse(result.out)["status"], 3);
+    EXPECT_EQ(support::JsonOf(result.out)["status"], 3);
   }
 }
 

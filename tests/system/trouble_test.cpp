@@ -45,7 +45,7 @@ dd if=/dev/zero of="$QUIVORD_BOARD/filler2" bs=512 2>/dev/null
 ctl ping --count 3
 ctl write 0xF0900000 1 2 3 4
 ctl save
-ctl identity set-mac 02:11:22:33:44:66
+ctl identity set --mac 02:11:22:33:44:66
 ctl status
 rm "$QUIVORD_BOARD"/filler*
 ctl wall configure --rows 2 --columns 2 --cables top-left-rows --per-cable 2 --wait
