@@ -2,10 +2,10 @@
 #pragma once
 
 #include <filesystem>
-#include <functional>
 #include <memory>
 #include <optional>
 
+#include "access/brightness.h"
 #include "brightness/plan.h"
 #include "command.h"
 #include "proto/calc_brightness_time.h"
@@ -19,30 +19,18 @@ extern const Command kBrightnessShow;
 extern const Command kBrightnessExport;
 extern const Command kBrightnessPreview;
 
-// The sending card's brightness space. Like its others, an answer that isn't kDone says why not.
+// The plan of the sending card. An answer that isn't kDone says why not.
 class BrightnessDevice {
  public:
   explicit BrightnessDevice(Context& context) : context_(context) {}
 
   Answer Connect();
 
-  // The whole table, into `data` of the answer.
-  Answer ReadTable();
-
-  // The device's clock; nothing where it can't be told.
-  std::optional<ZEPH_MCUC::brightness::Moment> ReadClock();
-
-  // Sends `table` so that it is stored and in force, in pieces of at most 512 bytes, and reads
-  // until the device shows it, 5 seconds at most. `progress` hears how many bytes have gone.
-  using Progress = std::function<void(std::size_t sent)>;
+  // As in the library.
+  using Progress = quivord::access::BrightnessDevice::Progress;
   Answer WriteTable(const quivord::brightness::Bytes& table, const Progress& progress);
 
  private:
-  Answer Read(std::size_t offset, std::size_t length);
-  Answer Write(std::size_t offset, std::vector<std::uint8_t> data);
-  Answer WritePieces(const quivord::brightness::Bytes& table, const Progress& progress);
-  Answer Await(const quivord::brightness::Bytes& table);
-
   Context& context_;
   std::unique_ptr<quivord::Client> client_;
 };

@@ -15,24 +15,11 @@ namespace {
 namespace brightness = quivord::brightness;
 namespace draw = quivord::draw;
 
-nlohmann::ordered_json ShowJson(const PlanRead& read) {
-  nlohmann::ordered_json object = brightness::PlanJson(read.plan);
-  object["in_force"] = nullptr;
-  object["next"] = nullptr;
-  if (!read.now.has_value()) return object;
-  const auto standing = brightness::StandingAt(read.plan, *read.now);
-  if (!standing.has_value()) return object;
-  object["in_force"] = {{"node", standing->node}, {"today", standing->today}};
-  if (standing->next.has_value()) {
-    object["next"] = {{"node", *standing->next}, {"in_min", standing->next_in_min}};
-  }
-  return object;
-}
-
 Exit Show(Context& context) {
   const PlanRead read = ReadPlan(context);
   if (read.answer.exit != Exit::kDone) return context.Fail(read.answer.exit, read.answer.text);
-  context.out.Show(brightness::ShowText(read.plan, read.now), ShowJson(read));
+  context.out.Show(brightness::ShowText(read.plan, read.now),
+                   brightness::ShowJson(read.plan, read.now));
   return Exit::kDone;
 }
 

@@ -19,6 +19,9 @@ enum class Exit : int {
   kNoAnswer = 3,  // no daemon, or no answer in time
 };
 
+// The status that goes with a trouble of the bus.
+Exit ExitFor(quivord::Trouble trouble);
+
 // Everything a command works with while it runs.
 struct Context {
   const Options& options;

@@ -1,13 +1,17 @@
 #include "command.h"
 
 namespace ctl {
-namespace {
 
 Exit ExitFor(quivord::Trouble trouble) {
-  return trouble == quivord::Trouble::kWrongUse ? Exit::kWrongUse : Exit::kNoAnswer;
+  switch (trouble) {
+    case quivord::Trouble::kRefused:
+      return Exit::kRefused;
+    case quivord::Trouble::kWrongUse:
+      return Exit::kWrongUse;
+    default:
+      return Exit::kNoAnswer;
+  }
 }
-
-}  // namespace
 
 quivord::Result<std::unique_ptr<quivord::Client>> Context::Connect(
     std::uint32_t default_id, std::function<void(const quivord::Report&)> on_report,

@@ -1,6 +1,10 @@
 #include "options.h"
-#include "board/folder.h"
-#include "board/settings.h"
+
+#include <unistd.h>
+
+#include <cmath>
+
+#include "access/place.h"
 #include "numbers.h"
 #include "option_words.h"
 
@@ -8,37 +12,15 @@ namespace ctl {
 namespace {
 
 namespace bus = ZEPH_MCUC;
+using quivord::access::kDevices;
+using quivord::access::kTasks;
+using quivord::access::Look;
 
 constexpr std::uint32_t kUnnamedTasks = 0x7F0000;
 constexpr double kMostTimeout_s = 3600;
 
-template <class Value>
-struct Word {
-  const char* word;
-  Value value;
-};
-
-constexpr std::array<Word<std::uint32_t>, 3> kTasks = {
-    {{"owd", bus::task::kOwd}, {"kye", bus::task::kKye}, {"moirad", bus::task::kMoirad}}};
-
-constexpr std::array<Word<bus::JSHL_ProtoDeviceType_e>, 5> kDevices = {{
-    {"sender", bus::JSHL_TypeSender},
-    {"receiver", bus::JSHL_TypeReceiver},
-    {"multi", bus::JSHL_TypeMultiFunc},
-    {"distribute", bus::JSHL_TypeDistribute},
-    {"launcher", bus::JSHL_TypeLauncher3D},
-}};
-
 template <class Value, std::size_t N>
-std::optional<Value> Look(const std::array<Word<Value>, N>& words, const std::string& word) {
-  for (const auto& candidate : words) {
-    if (word == candidate.word) return candidate.value;
-  }
-  return std::nullopt;
-}
-
-template <class Value, std::size_t N>
-std::vector<std::string> WordsOf(const std::array<Word<Value>, N>& words) {
+std::vector<std::string> WordsOf(const std::array<quivord::access::Word<Value>, N>& words) {
   std::vector<std::string> all;
   for (const auto& candidate : words) all.emplace_back(candidate.word);
   return all;
@@ -48,16 +30,6 @@ template <class Value>
 Value Want(std::optional<Value> value, const char* option, const char* reason) {
   if (!value.has_value()) throw CLI::ValidationError(option, reason);
   return *value;
-}
-
-// What the board's configuration says. A board that isn't there yet, or a configuration that the
-// daemon would refuse, is the daemon's to tell.
-board::Settings SettingsOf(const std::filesystem::path& board) {
-  std::ifstream file(board / "board.conf");
-  const std::string text{std::istreambuf_iterator<char>(file), {}};
-  board::Settings settings;
-  const std::string fault = board::ParseSettings(text, "board.conf", settings);
-  return fault.empty() ? settings : board::Settings{};
 }
 
 // A place behind the ports: a number, or `all`.
@@ -110,10 +82,10 @@ void Declare(CLI::App& app, OptionWords& words) {
 
 Options Understand(const OptionWords& words) {
   Options options;
-  options.board = words.board.empty() ? board::ChooseFolder() : std::filesystem::path(words.board);
-  const board::Settings settings = SettingsOf(options.board);
-  options.slot = settings.slot;
-  options.speed = settings.speed;
+  const quivord::access::Place place = quivord::access::FindPlace(words.board);
+  options.board = place.board;
+  options.slot = place.slot;
+  options.speed = place.speed;
   if (!words.as.empty()) options.as = Identifier(options, words.as);
   options.target.device = Want(Look(kDevices, words.device), "--device",
                                "is sender, receiver, multi, distribute or launcher");

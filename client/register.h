@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "access/registers.h"
 #include "command.h"
 
 namespace ctl {
@@ -17,6 +18,17 @@ struct Answer {
   std::vector<std::uint8_t> data;  // of a read
 };
 
+// The answer that says what went wrong, or that all went well.
+Answer AnswerOf(const quivord::Error& error);
+Answer AnswerOf(const quivord::Outcome& outcome);
+
+// Connects for what is the sending card's alone, `what`: "a wall".
+quivord::Result<std::unique_ptr<quivord::Client>> ConnectForSender(const Context& context,
+                                                                   const std::string& what);
+
+// The registers that the options mean, over `client`.
+quivord::access::Registers RegistersOf(const Options& options, quivord::Client& client);
+
 // Reads `length` bytes at `address` of the target in the options. An answer without the bytes is a
 // refusal, save where no bytes are to be had.
 Answer ReadRegister(const Options& options, quivord::Client& client, std::uint32_t address,
@@ -27,7 +39,7 @@ Answer ReadRegister(const Options& options, quivord::Client& client, std::uint32
 std::optional<std::string> WriteObstacle(const Options& options, std::uint32_t address,
                                          std::size_t length);
 
-// Writes `data` at `address`, after `WriteObstacle` has been asked.
+// Writes `data` at `address`, unless there is an obstacle.
 Answer WriteRegister(const Options& options, quivord::Client& client, std::uint32_t address,
                      std::vector<std::uint8_t> data);
 

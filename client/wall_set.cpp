@@ -1,19 +1,14 @@
 #include "commands.h"
 #include "numbers.h"
 #include "option_words.h"
-#include "wall/apply.h"
 #include "wall/check.h"
 #include "wall/text.h"
-#include "wall/words.h"
 #include "wall_commands.h"
 
 namespace ctl {
 namespace {
 
-namespace shortcut = ZEPH_MCUC::shortcut;
 namespace wall = quivord::wall;
-using wall::DeviceBytes;
-using Scope = WallDevice::Scope;
 
 struct ConfigureWords {
   std::string file;
@@ -66,47 +61,17 @@ quivord::Result<wall::Smart> WantedSmart(const ConfigureWords& words) {
   return FromFile(words.file);
 }
 
-// What keeps the record of a device from being the one that was sent.
-std::optional<std::string> RecordMissing(const DeviceBytes& bytes, const wall::Smart& smart) {
-  const wall::Smart found = wall::Understand(bytes).smart;
-  if (found == smart) return std::nullopt;
-  return "its record says " + wall::SizeText(found.rows, found.columns, " x ") + ", mode " +
-         std::to_string(found.mode) + ", " + std::to_string(found.perCable) + " a cable";
-}
-
-// What keeps its wall from being the one that `apply` lays out.
-template <class Apply>
-std::optional<std::string> WallMissing(const DeviceBytes& bytes, Apply apply) {
-  const auto wanted = std::make_unique<DeviceBytes>(bytes);
-  apply(*wanted);
-  return wall::Difference(bytes, *wanted);
-}
-
-Answer SendSmart(WallDevice& device, const wall::Smart& smart, bool wait) {
-  Answer answer = device.Connect();
-  if (answer.exit == Exit::kDone) answer = device.Read(Scope::kRecord);
-  if (answer.exit != Exit::kDone) return answer;
-  wall::PutSmart(smart, device.bytes.record);
-  answer = device.WriteRecord(shortcut::kMode, shortcut::kBoxNumber + 2);
-  if (answer.exit != Exit::kDone) return answer;
-  if (!wait) {
-    return device.Await(Scope::kRecord,
-                        [&smart](const DeviceBytes& bytes) { return RecordMissing(bytes, smart); });
-  }
-  return device.Await(Scope::kAll, [&smart](const DeviceBytes& bytes) {
-    return WallMissing(bytes, [&smart](DeviceBytes& wanted) { ApplySmart(smart, wanted); });
-  });
-}
-
 Exit Configure(Context& context, const ConfigureWords& words) {
   const auto smart = WantedSmart(words);
   if (!smart) return context.Fail(smart.error());
   if (const auto obstacle = wall::SmartObstacle(smart.value())) {
     return context.Fail(Exit::kRefused, "not sent: " + *obstacle);
   }
-  const auto device = std::make_unique<WallDevice>(context);
-  const Answer answer = SendSmart(*device, smart.value(), words.wait);
-  if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+  const auto client = ConnectForSender(context, "a wall");
+  if (!client) return context.Fail(client.error());
+  const auto device = std::make_unique<WallDevice>(RegistersOf(context.options, *client.value()));
+  const auto done = device->Configure(smart.value(), words.wait);
+  if (!done) return context.Fail(done.error());
   if (words.wait) {
     const wall::Wall now = wall::Understand(device->bytes);
     context.out.Show(wall::ShowText(now), wall::ShowJson(now));
@@ -146,30 +111,17 @@ quivord::Result<wall::PortRecords> WantedRecords(const std::string& file) {
   return Wrong(file + " is a smart wall: quivordctl wall configure " + file);
 }
 
-Answer SendAdvanced(WallDevice& device, const wall::PortRecords& records) {
-  Answer answer = device.Connect();
-  if (answer.exit == Exit::kDone) answer = device.Read(Scope::kRecord);
-  if (answer.exit != Exit::kDone) return answer;
-  wall::PutRecords(records, device.bytes.record);
-  // All records in one write. It begins with a mode: a first byte of another kind may be a command.
-  answer = device.WriteRecord(shortcut::PortRecord(0) + shortcut::kPortMode,
-                              shortcut::PortRecord(wall::kPorts - 1) + shortcut::kPortY + 2);
-  if (answer.exit == Exit::kDone) answer = device.Submit();
-  if (answer.exit != Exit::kDone) return answer;
-  return device.Await(Scope::kAll, [&records](const DeviceBytes& bytes) {
-    return WallMissing(bytes, [&records](DeviceBytes& wanted) { ApplyAdvanced(records, wanted); });
-  });
-}
-
 Exit Advanced(Context& context, const AdvancedWords& words) {
   const auto records = WantedRecords(words.file);
   if (!records) return context.Fail(records.error());
   if (const auto obstacle = wall::AdvancedObstacle(records.value())) {
     return context.Fail(Exit::kRefused, "not sent: " + *obstacle);
   }
-  const auto device = std::make_unique<WallDevice>(context);
-  const Answer answer = SendAdvanced(*device, records.value());
-  if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+  const auto client = ConnectForSender(context, "a wall");
+  if (!client) return context.Fail(client.error());
+  const auto device = std::make_unique<WallDevice>(RegistersOf(context.options, *client.value()));
+  const auto done = device->Place(records.value());
+  if (!done) return context.Fail(done.error());
   const wall::Wall now = wall::Understand(device->bytes);
   context.out.Show(wall::ShowText(now), wall::ShowJson(now));
   return Exit::kDone;

@@ -21,3 +21,16 @@ if(QUIVORD_TOOLS)
   configure_file(packaging/quivord.pc.in ${CMAKE_BINARY_DIR}/quivord.pc @ONLY)
   install(FILES ${CMAKE_BINARY_DIR}/quivord.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 endif()
+if(QUIVORD_PYTHON_PACKAGE)
+  # Where Debian's Python looks: packages of the system are for any version of it, others for this one.
+  set(python_version 3)
+  if(NOT CMAKE_INSTALL_PREFIX STREQUAL /usr)
+    set(python_version ${Python_VERSION_MAJOR}.${Python_VERSION_MINOR})
+  endif()
+  set(python_folder lib/python${python_version}/dist-packages)
+  install(TARGETS quivord_python LIBRARY DESTINATION ${python_folder}/quivord)
+  install(DIRECTORY python/quivord DESTINATION ${python_folder}
+          FILES_MATCHING PATTERN *.py PATTERN *.pyi PATTERN py.typed PATTERN __pycache__ EXCLUDE)
+  install(DIRECTORY ${CMAKE_BINARY_DIR}/python/quivord-${PROJECT_VERSION}.dist-info
+          DESTINATION ${python_folder})
+endif()

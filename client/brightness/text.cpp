@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "brightness/check.h"
+#include "brightness/file.h"
 #include "brightness/words.h"
 #include "process/calc_time.h"
 
@@ -219,6 +220,20 @@ std::string ShowText(const Plan& plan, const std::optional<table::Moment>& now) 
     text += "\n\nnote: " + warning;
   }
   return text;
+}
+
+nlohmann::ordered_json ShowJson(const Plan& plan, const std::optional<table::Moment>& now) {
+  nlohmann::ordered_json object = PlanJson(plan);
+  object["in_force"] = nullptr;
+  object["next"] = nullptr;
+  if (!now.has_value()) return object;
+  const auto standing = StandingAt(plan, *now);
+  if (!standing.has_value()) return object;
+  object["in_force"] = {{"node", standing->node}, {"today", standing->today}};
+  if (standing->next.has_value()) {
+    object["next"] = {{"node", *standing->next}, {"in_min", standing->next_in_min}};
+  }
+  return object;
 }
 
 }  // namespace quivord::brightness

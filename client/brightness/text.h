@@ -1,6 +1,7 @@
 // A brightness plan in words, for `brightness show` and the pictures. Pure; any thread.
 #pragma once
 
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 
@@ -36,5 +37,9 @@ std::optional<Standing> StandingAt(const Plan& plan, const table::Moment& now);
 
 // Lines without the last line feed. `now` is the device's clock, where it is known.
 std::string ShowText(const Plan& plan, const std::optional<table::Moment>& now);
+
+// The same for programs: the plan as a file has it, and
+//   in_force: {node, today}; next: {node, in_min}; null where that isn't known.
+nlohmann::ordered_json ShowJson(const Plan& plan, const std::optional<table::Moment>& now);
 
 }  // namespace quivord::brightness

@@ -8,6 +8,7 @@
 namespace quivord {
 
 enum class Trouble {
+  kRefused,       // the device refused, or would
   kWrongUse,      // the request can't be put into a frame
   kNoDaemon,      // nobody listens on the board's bus
   kTimeout,       // no answer in time

@@ -1,0 +1,6 @@
+import pytest
+
+
+@pytest.fixture
+def device(board):
+    return board.connect()
