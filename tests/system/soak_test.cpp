@@ -9,9 +9,9 @@
 #include <thread>
 
 #include "board/power.h"
-#include "board/stores.h"
 #include "proto/registerspace_names.h"
 #include "support/brightness_bytes.h"
+#include "support/device.h"
 #include "support/inprocess.h"
 #include "support/model_peer.h"
 #include "support/ready_daemon.h"
@@ -30,11 +30,21 @@ const model::Window kMemories[] = {{0x02300000, {{0, 512}}}, {0x05060100, {{0, 5
                                    {0x03000000, {{0, 512}}}, {0x03100000, {{0, 256}}},
                                    {0x05000100, {{0, 512}}}, {0xF1700000, {{0, 512}}}};
 
+constexpr std::uint32_t kBusEnd = 0x1F0;     // feature registers from here on are not in the FPGA
+constexpr std::uint32_t kStored = 0xA3B100;  // all of them in flash
+
+// What the peer has written it reads back, and at the end FPGA and flash hold it as well.
 std::string WorkOnFeatures(const support::Daemon& daemon, model::Window window, int number,
                            unsigned seed, const More& more) {
   model::Peer peer(daemon, std::move(window), model::kMarks.at(static_cast<std::size_t>(number)),
                    seed, number);
-  return peer.Work(more);
+  const std::string wrong = peer.Work(more);
+  if (!wrong.empty()) return wrong;
+  const std::string fpga = peer.Compare(inprocess::Bytes(device::Fpga(0, kBusEnd).c_str()));
+  if (!fpga.empty()) return fpga + " in the FPGA";
+  const auto stored = inprocess::Bytes(device::Flash(kStored, model::kRegisters).c_str());
+  const std::string flash = peer.Compare(stored);
+  return flash.empty() ? "" : flash + " in flash";
 }
 
 std::string WorkOnMemories(const support::Daemon& daemon, unsigned seed, const More& more) {

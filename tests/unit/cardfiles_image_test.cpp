@@ -1,9 +1,7 @@
 // The client's side of configuration files: built from a description, laid out for a device.
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
-
+#include "board/files.h"
 #include "cardfiles/description.h"
 #include "cardfiles/image.h"
 #include "support/device.h"
@@ -102,9 +100,8 @@ TEST(Description, FaultNamesItsLine) {
 }
 
 TEST(Description, ExampleIsOne) {
-  std::ifstream file(support::Source("examples/card-file.txt"));
-  const std::string text{std::istreambuf_iterator<char>(file), {}};
-  const auto bytes = Compile(text, OneFile);
+  const auto text = board::ReadWhole(support::Source("examples/card-file.txt"));
+  const auto bytes = Compile(text.value(), OneFile);
   ASSERT_TRUE(bytes) << bytes.error().text;
   EXPECT_EQ(Check(bytes.value()).packs, 4U);
 }

@@ -5,7 +5,6 @@
 
 #include <array>
 #include <numeric>
-#include <thread>
 
 #include "board/cells.h"
 #include "support/board_kit.h"
@@ -182,22 +181,6 @@ TEST(FpgaBus, IoctlChannelReadsInRequestsOf1024) {
   EXPECT_LT(ReadFPGABusBlock_tx(0x4000, 1500, data.data(), 0), 0);
   EXPECT_EQ(data[1023], cells[1023]);
   EXPECT_EQ(data[1024], 0);
-}
-
-// Reads take turns and writes don't wait; what the thread sanitizer sees counts.
-TEST(FpgaBus, ThreadsShareTheGateway) {
-  DriverUtil driver;
-  std::vector<std::thread> threads;
-  for (uint8_t i = 0; i < 4; ++i) {
-    threads.emplace_back([&driver, i] {
-      const uint32_t address = 0x800U + i;
-      for (uint8_t n = 0; n < 200; ++n) {
-        EXPECT_EQ(driver.WriteFPGABusOneWord(address, n), 0);
-        EXPECT_EQ(driver.FPGAC5_ReadOneWord(0, 0, address), n);
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
 }
 
 TEST(StatusProbe, TakesTheFirstLineOfACommand) {

@@ -18,33 +18,18 @@ fs::path Fresh(const std::string& name) {
   return path;
 }
 
-TEST(BusSocket, IsItsOwnersAlone) {
-  const fs::path path = Fresh("mode");
-  const auto listener = Listen(path);
-  ASSERT_TRUE(listener);
-  EXPECT_EQ(fs::status(path).permissions(), fs::perms(0600));
-}
-
-TEST(BusSocket, ReplacesOneThatNobodyListensOn) {
-  const fs::path path = Fresh("dead");
+TEST(BusSocket, ReplacesADeadOneAndNothingElse) {
+  const fs::path path = Fresh("socket");
   { ASSERT_TRUE(Listen(path)); }
   ASSERT_TRUE(fs::is_socket(path));
-  EXPECT_TRUE(Listen(path));
-}
-
-TEST(BusSocket, LeavesOneThatSomebodyListensOn) {
-  const fs::path path = Fresh("alive");
-  const auto first = Listen(path);
-  ASSERT_TRUE(first);
-  EXPECT_FALSE(Listen(path));
-  EXPECT_TRUE(fs::is_socket(path));
-}
-
-TEST(BusSocket, LeavesAnyOtherFile) {
-  const fs::path path = Fresh("file");
-  std::ofstream(path) << "mine";
-  EXPECT_FALSE(Listen(path));
-  EXPECT_TRUE(fs::is_regular_file(path));
+  const auto listener = Listen(path);  // nobody listens on what is there
+  ASSERT_TRUE(listener);
+  EXPECT_EQ(fs::status(path).permissions(), fs::perms(0600)) << "its owner's alone";
+  EXPECT_FALSE(Listen(path)) << "somebody listens";
+  const fs::path file = Fresh("file");
+  std::ofstream(file) << "mine";
+  EXPECT_FALSE(Listen(file));
+  EXPECT_TRUE(fs::is_socket(path) && fs::is_regular_file(file));
 }
 
 TEST(BusSocket, TakesAPathOf107BytesAndNotOneMore) {

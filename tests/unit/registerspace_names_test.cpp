@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <set>
+#include <span>
 #include <string>
 
 namespace ZEPH_MCUC {
@@ -45,96 +46,57 @@ TEST(RegisterSpaceNames, AddressesReachTheirSpace) {
   const struct {
     uint32_t address;
     const SpaceNames* space;
-  } cases[] = {
-      {0x0E123456, &kRGBGammaSpace},
-      {0x0FFFFFFF, &kRVConfigFileSpace},
-      {0xF1FFFFFF, &kTestPrinfSpace},
-      {0x02810016, &kShortcutConfigScreenSpace},
-      {0x0506FFFF, &kSoftwareTableSpace},
-      {0x18201000, &kCardProgmaSpace},
-      {0x02800000, nullptr},
-      {0x02010000, nullptr},
-      {0x0A010000, nullptr},
-      {0xF2000000, nullptr},
-      {0xFFFFFFFF, nullptr},
-  };
+  } cases[] = {{0x0E123456, &kRGBGammaSpace},
+               {0x0FFFFFFF, &kRVConfigFileSpace},
+               {0xF1FFFFFF, &kTestPrinfSpace},
+               {0x02810016, &kShortcutConfigScreenSpace},
+               {0x0506FFFF, &kSoftwareTableSpace},
+               {0x18201000, &kCardProgmaSpace},
+               {0x02800000, nullptr},
+               {0x02010000, nullptr},
+               {0x0A010000, nullptr},
+               {0xF2000000, nullptr},
+               {0xFFFFFFFF, nullptr}};
   for (const auto& test : cases) {
     EXPECT_EQ(FindSpace(test.address), test.space) << std::hex << test.address;
   }
 }
 
-TEST(RegisterSpaceNames, ReadsMeetWhatTheDaemonAnswers) {
-  const Case cases[] = {
-      {0x00000000, 256, Meets::kServed},   // whole basic information
-      {0x00000000, 0, Meets::kServed},     // no row is checked there
-      {0x000000FA, 7, Meets::kPastEnd},    // one past the end
-      {0x00010000, 4, Meets::kNothing},    // plug-in card
-      {0x01000002, 1, Meets::kNothing},    // a command
-      {0x01000006, 1, Meets::kNoRow},      // no such command
-      {0x020001FC, 4, Meets::kServed},     // the last feature bytes
-      {0x020001FD, 4, Meets::kPastEnd},    //
-      {0x0200104B, 1, Meets::kServed},     // the byte that always reads 0
-      {0x0200104B, 2, Meets::kPastEnd},    //
-      {0x02000000, 0, Meets::kLength},     //
-      {0x02000000, 1025, Meets::kLength},  //
-      {0x02010000, 4, Meets::kNoSpace},    //
-      {0x02100100, 393, Meets::kDropped},  // one more than there is
-      {0x022001FF, 1, Meets::kServed},     // reads have no end there
-      {0x03000000, 0xA000, Meets::kServed}, {0x03009FFF, 2, Meets::kPastEnd},
-      {0x031002FF, 1, Meets::kServed},      {0x031002FF, 2, Meets::kPastEnd},
-      {0x08000000, 1, Meets::kNothing},  // only looks for boards
-      {0x08000000, 128, Meets::kServed},    {0x08000000, 127, Meets::kRefused},
-      {0x08000001, 128, Meets::kRefused},   {0x1201003B, 4, Meets::kServed},
-      {0x1201003C, 4, Meets::kPastEnd},     {0x18000000, 255, Meets::kLength},
-      {0x18000000, 256, Meets::kServed},    {0x18000004, 256, Meets::kNoRow},
-      {0xF0000100, 4095, Meets::kServed},   {0xF0000100, 4096, Meets::kLength},
-  };
+void ExpectProspects(std::span<const Case> cases, Prospect (*foresee)(uint32_t, int32_t)) {
   for (const Case& test : cases) {
-    const Prospect prospect = ForeseeRead(test.address, test.length);
+    const Prospect prospect = foresee(test.address, test.length);
     EXPECT_EQ(prospect.meets, test.meets)
         << std::hex << test.address << std::dec << ", " << test.length << ": " << prospect.text;
     EXPECT_FALSE(prospect.text.empty());
   }
 }
 
-TEST(RegisterSpaceNames, WritesMeetWhatTheDaemonDoes) {
-  const Case cases[] = {
-      {0x00000000, 256, Meets::kServed},
-      {0x000000FA, 7, Meets::kPastEnd},
-      {0x01000001, 1, Meets::kServed},
-      {0x01000003, 4, Meets::kLength},  // a test point needs address and value
-      {0x01000003, 5, Meets::kServed},
-      {0x01000006, 1, Meets::kNoRow},
-      {0x0210001C, 4, Meets::kServed},
-      {0x0210001E, 4, Meets::kDropped},  // two of four bytes would be lost
-      {0x022001FE, 1, Meets::kServed},
-      {0x022001FF, 1, Meets::kPastEnd},
-      {0x02300000, 513, Meets::kLength},
-      {0x02300FFF, 1, Meets::kServed},
-      {0x02300FFF, 2, Meets::kPastEnd},  // would reach the shortcut record
-      {0x02700000, 4, Meets::kNothing},
-      {0x03009FF8, 16, Meets::kDropped},
-      {0x03000000, 0, Meets::kLength},
-      {0x03100000, 0x301, Meets::kPastEnd},
-      {0x08000000, 64, Meets::kServed},
-      {0x0A001400, 1, Meets::kPastEnd},
-      {0x0E001C00, 1024, Meets::kServed},
-      {0x0E001FFF, 2, Meets::kDropped},  // across two tables
-      {0x0E302000, 1, Meets::kServed},
-      {0x0E302000, 2, Meets::kDropped},
-      {0x0F0FFFFF, 2, Meets::kPastEnd},
-      {0x0F800FFF, 1, Meets::kServed},
-      {0x0F801000, 1, Meets::kPastEnd},  // would reach the last brightness
-      {0x18000000, 256, Meets::kRefused},
-      {0xF0000100, 4096, Meets::kServed},
-      {0xF0000100, 4097, Meets::kLength},
-      {0xF0000100, 0, Meets::kLength},
-  };
-  for (const Case& test : cases) {
-    const Prospect prospect = ForeseeWrite(test.address, test.length);
-    EXPECT_EQ(prospect.meets, test.meets)
-        << std::hex << test.address << std::dec << ", " << test.length << ": " << prospect.text;
-  }
+TEST(RegisterSpaceNames, AccessesMeetWhatTheDaemonDoes) {
+  using enum Meets;
+  constexpr Case kReads[] = {
+      {0x00000000, 256, kServed},    {0x00000000, 0, kServed},    {0x000000FA, 7, kPastEnd},
+      {0x00010000, 4, kNothing},     {0x01000002, 1, kNothing},   {0x01000006, 1, kNoRow},
+      {0x020001FC, 4, kServed},      {0x020001FD, 4, kPastEnd},   {0x0200104B, 1, kServed},
+      {0x0200104B, 2, kPastEnd},     {0x02000000, 0, kLength},    {0x02000000, 1025, kLength},
+      {0x02010000, 4, kNoSpace},     {0x02100100, 393, kDropped}, {0x022001FF, 1, kServed},
+      {0x03000000, 0xA000, kServed}, {0x03009FFF, 2, kPastEnd},   {0x031002FF, 1, kServed},
+      {0x031002FF, 2, kPastEnd},     {0x08000000, 1, kNothing},   {0x08000000, 128, kServed},
+      {0x08000000, 127, kRefused},   {0x08000001, 128, kRefused}, {0x1201003B, 4, kServed},
+      {0x1201003C, 4, kPastEnd},     {0x18000000, 255, kLength},  {0x18000000, 256, kServed},
+      {0x18000004, 256, kNoRow},     {0xF0000100, 4095, kServed}, {0xF0000100, 4096, kLength}};
+  constexpr Case kWrites[] = {
+      {0x00000000, 256, kServed},  {0x000000FA, 7, kPastEnd},     {0x01000001, 1, kServed},
+      {0x01000003, 4, kLength},    {0x01000003, 5, kServed},      {0x01000006, 1, kNoRow},
+      {0x0210001C, 4, kServed},    {0x0210001E, 4, kDropped},     {0x022001FE, 1, kServed},
+      {0x022001FF, 1, kPastEnd},   {0x02300000, 513, kLength},    {0x02300FFF, 1, kServed},
+      {0x02300FFF, 2, kPastEnd},   {0x02700000, 4, kNothing},     {0x03009FF8, 16, kDropped},
+      {0x03000000, 0, kLength},    {0x03100000, 0x301, kPastEnd}, {0x08000000, 64, kServed},
+      {0x0A001400, 1, kPastEnd},   {0x0E001C00, 1024, kServed},   {0x0E001FFF, 2, kDropped},
+      {0x0E302000, 1, kServed},    {0x0E302000, 2, kDropped},     {0x0F0FFFFF, 2, kPastEnd},
+      {0x0F800FFF, 1, kServed},    {0x0F801000, 1, kPastEnd},     {0x18000000, 256, kRefused},
+      {0xF0000100, 4096, kServed}, {0xF0000100, 4097, kLength},   {0xF0000100, 0, kLength}};
+  ExpectProspects(kReads, ForeseeRead);
+  ExpectProspects(kWrites, ForeseeWrite);
 }
 
 TEST(RegisterSpaceNames, TextsNameTheLimit) {

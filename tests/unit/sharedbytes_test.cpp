@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <thread>
 
 #include "mcucutil.h"
 #include "support/board_kit.h"
@@ -31,25 +30,6 @@ TEST(SharedBytes, ValuesAreLittleEndian) {
             (std::array<uint8_t, 8>{0, 0xB2, 0xA1, 0xF6, 0xE5, 0xD4, 0xC3, 0}));
   EXPECT_EQ(bytes.u16(1), 0xA1B2);
   EXPECT_EQ(bytes.u32(3), 0xC3D4E5F6);
-}
-
-// Each byte is old or new, whatever the other thread is about; the thread sanitizer looks on.
-TEST(SharedBytes, ThreadsReadAndWriteTheSameBytes) {
-  static SharedBytes<64> bytes;
-  std::thread writer([] {
-    for (int i = 0; i < 1000; ++i) {
-      std::array<uint8_t, 64> block;
-      block.fill(i % 2 == 0 ? 0x0F : 0xF0);
-      bytes.write(0, block);
-    }
-  });
-  for (int i = 0; i < 1000; ++i) {
-    for (const uint8_t byte : bytes.snapshot<64>(0)) {
-      ASSERT_TRUE(byte == 0 || byte == 0x0F || byte == 0xF0);
-    }
-  }
-  writer.join();
-  EXPECT_EQ(bytes[63], 0xF0);
 }
 
 TEST(Bytes2String, WritesWholeTextsOnly) {

@@ -1,11 +1,9 @@
 // The start sequence on boards that lack something.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
+#include "board/files.h"
 #include "driverutil.h"
 #include "process/tprocess_ctl.h"
-#include "proto/data_common.h"
 #include "proto/tshl_ctl.h"
 #include "stub/stubutil.h"
 #include "support/board_kit.h"
@@ -18,10 +16,7 @@ using board::SetFaultCount;
 
 constexpr char kStore[] = "usr/zeph/etc/envcfg/env";
 
-std::string Stored() {
-  std::ifstream file(board_kit::Named() / kStore);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
+std::string Stored() { return board::ReadWhole(board_kit::Named() / kStore).value_or("none"); }
 
 TEST(Startup, VersionOfTheRootFileSystemBecomesTheDaemons) {
   struct Case {
@@ -62,26 +57,6 @@ TEST(Startup, GoesOnWithoutStoresAndFpga) {
   Tshl_ctl::getInstance()->initialize();
   EXPECT_TRUE(StubUtil::getInstance()->initialize());
   EXPECT_EQ(Stored(), "");
-}
-
-TEST(Startup, FirstRestoreFillsTheImageAndLeavesTheFpgaAlone) {
-  board_kit::Configure("speed = 2000\ntrace = fpga flash env\n");
-  DriverUtil::getInstance()->initialize();
-  const uint8_t value = 0x77;
-  ASSERT_EQ(DriverUtil::getInstance()->WriteDataToFlash(0xA3B100 + 0x45, 1, &value), 0);
-  Tprocess_ctl::getInstance()->initialize();
-  Tshl_ctl::getInstance()->initialize();
-  EXPECT_TRUE(StubUtil::getInstance()->initialize());
-  EXPECT_EQ(Data_Global::getInstance()->SendParameterReg[0x45], 0x77);
-  const auto lines = board_kit::TraceLines();
-  const auto version = std::find(lines.begin(), lines.end(), "env set ver_quivord V1.0.B1");
-  ASSERT_NE(version, lines.end());
-  const auto of = [](const char* kind) {
-    return [=](const std::string& line) { return line.starts_with(kind); };
-  };
-  EXPECT_TRUE(std::none_of(lines.begin(), version, of("fpga")));
-  EXPECT_TRUE(std::any_of(lines.begin(), version, of("flash R live 0x00a3b100 512 ok")));
-  EXPECT_TRUE(std::none_of(version, lines.end(), of("flash R")));
 }
 
 }  // namespace
