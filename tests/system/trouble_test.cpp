@@ -79,8 +79,8 @@ ctl ping
 stop
 )",
      "ping: 0\n16777216\nsave: 0\nping: 0\n"},
-    // On the template, in which a port begins and nothing but Linux answers, and on the real paths of
-    // a device: in a root of its own, with the programs of this machine mounted into it.
+    // On the template, in which a port begins and nothing but Linux answers, and on the real paths
+    // of a device: in a root of its own, with the programs of this machine mounted into it.
     {"PlatformOfNothing",
      R"(
 root=$QUIVORD_BOARD/root
@@ -94,20 +94,19 @@ mount --bind "$BIN" $root/programs
 await() { for i in $(seq 600); do grep -qs "$1" $root/log/* && return; sleep 0.1; done; echo "no $1"; }
 setpriv --pdeathsig KILL -- chroot $root /programs/quivord-on-template -debug >$root/said 2>&1 &
 await 'Finish main init'
-[ "$(cat $root/var/run/quivord-on-template.pid)" = $! ] && echo its number
-for what in 'message bus' 'environment store' 'flash stores' 'FPGA bus';
-do
+[ $(cat $root/var/run/quivord-on-template.pid) = $! ] && echo its number
+for what in 'message bus' 'environment store' 'flash stores' 'FPGA bus'; do
   grep -q "platform: not here: the $what" $root/said || echo "nothing about the $what"
 done
-for line in '=== udp_port_init === fail!!!!' 'Error when openning env!' 'brmpara file fail';
-do
-  await "$line" done touch $root / etc / init.d /
-      flag_fpgaload await 'load flag to OWD' #it goes on without an FPGA sleep 1; kill -0 $! && echo stays
+for line in '=== udp_port_init === fail!!!!' 'Error when openning env!' 'brmpara file fail'; do
+  await "$line"
+done
+touch $root/etc/init.d/flag_fpgaload
+await 'load flag to OWD'  # it goes on without an FPGA
+sleep 1; kill -0 $! && echo stays
 stop
 )",
-     "its number\nstays\n"
-}  // namespace
-,
+     "its number\nstays\n"},
     {"ReadOnlyBoardIsRefused",
      R"(
 start; stop
