@@ -99,9 +99,12 @@ class Addr_HardWareBrightnessAdjust
   // Sends `brightness` to all cards of `port`, 0xFF for all ports.
   static void SendBrightness(u8 port, u8 brightness);
   // Goes from `CurrentBri` to `TargetBri` one by one, `DelayMs` apart, where brightness is to
-  // change gradually; else at once. False where a plan was started or stopped meanwhile: what the
-  // cards show is its business from then on, so the way ends there.
+  // change gradually; else at once. False where a plan was started or stopped meanwhile, or since
+  // `PlanChanges` was `plan`: what the cards show is its business from then on, so the way ends
+  // there.
   static bool SmartAdjustGlobalBrightness(u8 PortAddress, u8 CurrentBri, u8 TargetBri, int DelayMs);
+  static bool SmartAdjustGlobalBrightness(u8 PortAddress, u8 CurrentBri, u8 TargetBri, int DelayMs,
+                                          uint32_t plan);
   // Sends four colour bytes to all cards of a port on the FPGA's own road.
   static void AdjustCurrentComponentBrightness(u8 PortAddress, u8 RBrightness, u8 GBrightness,
                                                u8 BBrightness, u8 VRBrightness);
@@ -115,8 +118,20 @@ class Addr_HardWareBrightnessAdjust
   // Says in the log why a sub-table is not used.
   static void LogAbsent(const char* table, brightness::TableState state);
 
+  // Held while a plan starts or stops, and for each step of one. A step that takes its time (a
+  // ramp, the sensors) lets it go in between, and does nothing more once another plan has started.
+  static constinit CMutexThreadRecursive m_plan;
+  // Runs `work` if no plan has started or stopped since `PlanChanges` was `plan`; false otherwise.
+  template <class Work>
+  static bool UnderPlan(uint32_t plan, Work work) {
+    const CMutexGuardT guard(m_plan);
+    if (PlanChanges != plan) return false;
+    work();
+    return true;
+  }
+
   // --- State ------------------------------------------------------------------------------------
-  // Written by the work and the flag thread without a lock, the link state by the work thread.
+  // Written by the work and the flag thread, the link state by the work thread; read by any.
 
   using Flag = Relaxed<enum_Active>;
 
@@ -141,7 +156,7 @@ class Addr_HardWareBrightnessAdjust
   static inline constinit Flag BriBroadcastEnable{DISABLE};  // repeat a fixed brightness
   static inline constinit Flag BriBroadcastArrived{DISABLE};
 
-  // Counts the starts of a plan, and the stops of all. A ramp that sees it change is out of date.
+  // Counts the starts of a plan, and the stops of all. A step that sees it change is out of date.
   static inline constinit vu32 PlanChanges;
 
   // The header of the mix, as it was when the plan started.

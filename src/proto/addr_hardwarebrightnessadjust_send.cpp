@@ -34,11 +34,14 @@ void Brightness::SendBrightness(u8 port, u8 brightness) {
 
 bool Brightness::SmartAdjustGlobalBrightness(u8 PortAddress, u8 CurrentBri, u8 TargetBri,
                                              int DelayMs) {
+  return SmartAdjustGlobalBrightness(PortAddress, CurrentBri, TargetBri, DelayMs, PlanChanges);
+}
+
+bool Brightness::SmartAdjustGlobalBrightness(u8 PortAddress, u8 CurrentBri, u8 TargetBri,
+                                             int DelayMs, uint32_t plan) {
   const bool gradual = GradualAdjustControl && CurrentBri != TargetBri;
-  const uint32_t plan = PlanChanges;
   for (const uint8_t value : brightness::RampValues(CurrentBri, TargetBri, gradual)) {
-    if (PlanChanges != plan) return false;
-    SendBrightness(PortAddress, value);
+    if (!UnderPlan(plan, [=] { SendBrightness(PortAddress, value); })) return false;
     if (gradual) Delay(DelayMs);
   }
   return PlanChanges == plan;

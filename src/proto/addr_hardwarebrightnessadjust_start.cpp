@@ -119,7 +119,10 @@ void StartMix() {
 
 }  // namespace
 
+constinit CMutexThreadRecursive Brightness::m_plan;
+
 void Brightness::BrightnessAdjustInit() {
+  const CMutexGuardT guard(m_plan);
   PlanChanges = PlanChanges + 1;
   if (ProgrammableAdjustEnable) {
     StartList();

@@ -176,6 +176,7 @@ void Brightness::SetBrightnessAdjustTable(uint32_t addr, uint16_t length, const 
       ProgrammableTimeTableArray.write(write.offset, write.data);
     }
   }
+  const CMutexGuardT guard(m_plan);
   if (mode == brightness::kListMode) {
     StartAlone(&ProgrammableAdjustEnable);
   } else if (mode == brightness::kSensorMode) {
@@ -209,6 +210,7 @@ void Brightness::UpdataBrightnessPara() {
     const CMutexGuardT guard(m_area);
     LoadImage();
   }
+  const CMutexGuardT guard(m_plan);
   const brightness::MixHeader header = brightness::HeaderOf(TheImage());
   MixBriAdjustGlobalControl = Active(header.runs);
   GradualAdjustControl = Active(header.gradual);

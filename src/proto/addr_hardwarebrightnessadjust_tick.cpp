@@ -1,5 +1,6 @@
 // What the ticks of the polling loop do for the plan in force.
 #include <algorithm>
+#include <optional>
 
 #include "mcuctrace.h"
 #include "proto/addr_hardwarebrightnessadjust.h"
@@ -28,20 +29,17 @@ void TakeArrival(const Brightness::Flag& plan) {
 }
 
 // Brings the mix to `percent`, by a ramp where it has a value to start from. False where another
-// plan has started, or all were stopped, during the ramp: what there is to remember is then theirs.
-bool GoTo(u8 percent) {
+// plan than `plan` has started, or all were stopped: what there is to remember is then theirs.
+bool GoTo(u8 percent, uint32_t plan) {
   const u8 value = brightness::FromPercent(percent);
-  if (Brightness::MixBriAdjOccured != 0) {
-    if (!Brightness::SmartAdjustGlobalBrightness(brightness::kAllPorts, Brightness::LastGlobalBri,
-                                                 value, kRampStep_ms)) {
-      return false;
-    }
-  } else {
-    Brightness::SendBrightness(brightness::kAllPorts, value);
-  }
-  Brightness::MixBriAdjOccured = 1;
-  Brightness::LastGlobalBri = value;
-  return true;
+  // Without a value to start from there is no way to go gradually.
+  const u8 from = Brightness::MixBriAdjOccured != 0 ? u8{Brightness::LastGlobalBri} : value;
+  return Brightness::SmartAdjustGlobalBrightness(brightness::kAllPorts, from, value, kRampStep_ms,
+                                                 plan) &&
+         Brightness::UnderPlan(plan, [=] {
+           Brightness::MixBriAdjOccured = 1;
+           Brightness::LastGlobalBri = value;
+         });
 }
 
 void ArriveAtSensorNode() {
@@ -52,35 +50,51 @@ void ArriveAtSensorNode() {
   Brightness::BriBroadcastArrived = DISABLE;
 }
 
-bool ArriveAtFixedNode(const brightness::MixNode& node) {
-  Brightness::MixAutoBriAdjustEnable = DISABLE;
-  Brightness::AutoBrightnessAdjustCnt = 0;
-  if (!GoTo(node.percent)) return false;
+void StartRepeats() {
   Brightness::BriBroadcastCnt = 0;
   Brightness::BriBroadcastEnable = ENABLE;
   Brightness::BriBroadcastArrived = DISABLE;
-  return true;
 }
 
 bool MixRuns() { return Brightness::MixBrightnessAdjustEnable && Brightness::MixBriAdjustControl; }
 
-// A node that doesn't apply today leaves the screen as it is, and the ring moves on.
-void ArriveInMix() {
+void ArmNext() { Brightness::InsertInterruptTimeToQueue(1); }
+
+// Takes over the mix's node that is due, as far as that takes no time. The brightness to go to, if
+// there is one. A node that doesn't apply today leaves the screen as it is, and the ring moves on.
+std::optional<u8> TakeDueNode() {
   TakeArrival(Brightness::MixBrightnessAdjustEnable);
-  if (!Brightness::ProgrammableAdjustArrived || !MixRuns()) return;
+  if (!Brightness::ProgrammableAdjustArrived || !MixRuns()) return std::nullopt;
   Brightness::ProgrammableAdjustArrived = DISABLE;
   const auto index = static_cast<uint32_t>(static_cast<int>(Brightness::RtcIndex));
   const auto node = brightness::ReadNode(Brightness::ReadArea, Brightness::TimeNodeBaseAddr, index);
   if (node.state != brightness::TableState::kThere) {
     Brightness::LogAbsent("node that is due", node.state);
   } else if (brightness::AppliesAtArrival(node.table, Brightness::Now())) {
-    if (node.table.sensor) {
-      ArriveAtSensorNode();
-    } else if (!ArriveAtFixedNode(node.table)) {
-      return;  // the other plan has armed its own node
+    if (!node.table.sensor) {
+      Brightness::MixAutoBriAdjustEnable = DISABLE;
+      Brightness::AutoBrightnessAdjustCnt = 0;
+      return node.table.percent;
     }
+    ArriveAtSensorNode();
   }
-  Brightness::InsertInterruptTimeToQueue(1);
+  ArmNext();
+  return std::nullopt;
+}
+
+void ArriveInMix() {
+  uint32_t plan = 0;
+  std::optional<u8> percent;
+  {
+    const CMutexGuardT guard(Brightness::m_plan);
+    plan = Brightness::PlanChanges;
+    percent = TakeDueNode();
+  }
+  if (!percent || !GoTo(*percent, plan)) return;  // another plan has armed a node of its own
+  Brightness::UnderPlan(plan, [] {
+    StartRepeats();
+    ArmNext();
+  });
 }
 
 // The average of the first `count` readings collected so far, which it uses up.
@@ -97,23 +111,36 @@ u8 NextSlot() {
   return slot < brightness::mix::kMostReadings ? slot : 0;
 }
 
+void TakeReadingOfSensorMode(u16 lux) {
+  const u8 slot = NextSlot();
+  Brightness::AutoBrightnessReadValTable[slot] = lux;
+  Brightness::AutoBrightnessAdjustCnt = static_cast<u8>(slot + 1);
+  u16 average = 0;
+  u8 value = 0;
+  if (slot + 1 >= kReadingsOfSensorMode &&
+      AverageOfReadings(kReadingsOfSensorMode, average) == kAveraged &&
+      Brightness::LuxToBrightnessLookupTable(average, value) == kDone) {
+    Brightness::SendBrightness(brightness::kAllPorts, value);
+  }
+}
+
 u8 ReadingsOfMix() { return std::max<u8>(Brightness::SensorReadTimes, 1); }
 
-void TakeReading(u8 slot, u16 lux) {
+// The two below give the brightness to go to, if there is one now.
+std::optional<u8> TakeReading(u8 slot, u16 lux) {
   Brightness::SensorReadFaultCnt = 0;
   Brightness::AutoBrightnessReadValTable[slot] = lux;
   const auto count = static_cast<u8>(slot + 1);
   Brightness::AutoBrightnessAdjustCnt = count;
-  if (count < ReadingsOfMix()) return;
+  if (count < ReadingsOfMix()) return std::nullopt;
   u16 average = 0;
   u8 percent = 0;
-  if (AverageOfReadings(count, average) == kAveraged &&
-      Brightness::MixAdjLuxToBriLookupTable(average, percent) == kDone) {
-    GoTo(percent);
-  }
+  const bool found = AverageOfReadings(count, average) == kAveraged &&
+                     Brightness::MixAdjLuxToBriLookupTable(average, percent) == kDone;
+  return found ? std::optional(percent) : std::nullopt;
 }
 
-void MissReading(u8 slot) {
+std::optional<u8> MissReading(u8 slot) {
   auto& readings = Brightness::AutoBrightnessReadValTable;
   const auto next = static_cast<u8>(slot + 1 < ReadingsOfMix() ? slot + 1 : 0);
   // Nothing that an earlier average left in the table may count in place of what was missed.
@@ -122,30 +149,33 @@ void MissReading(u8 slot) {
   Brightness::AutoBrightnessAdjustCnt = next;
   const auto faults = static_cast<u8>(Brightness::SensorReadFaultCnt + 1);
   Brightness::SensorReadFaultCnt = faults;
-  if (faults <= kFaultsBorne) return;
+  if (faults <= kFaultsBorne) return std::nullopt;
   Brightness::SensorReadFaultCnt = 0;
   Brightness::AutoBrightnessAdjustCnt = 0;
   u8 percent = 0;
-  if (Brightness::MixAdjFallback(percent) == kDone) GoTo(percent);
+  return Brightness::MixAdjFallback(percent) == kDone ? std::optional(percent) : std::nullopt;
 }
 
 void ReadSensorsInMix() {
+  const uint32_t plan = Brightness::PlanChanges;
   if (!Brightness::AutoBrightnessAdjustArrived || !Brightness::MixAutoBriAdjustEnable ||
       !Brightness::MixBriAdjustControl) {
     return;
   }
-  const u8 slot = NextSlot();
   u16 lux = 0;
-  if (Brightness::GetMixAdjAverageLux(lux) == kDone) {
-    TakeReading(slot, lux);
-  } else {
-    MissReading(slot);
-  }
+  const bool read = Brightness::GetMixAdjAverageLux(lux) == kDone;
+  std::optional<u8> percent;
+  Brightness::UnderPlan(plan, [&] {
+    const u8 slot = NextSlot();
+    percent = read ? TakeReading(slot, lux) : MissReading(slot);
+  });
+  if (percent) GoTo(*percent, plan);
   Brightness::AutoBrightnessAdjustArrived = DISABLE;
 }
 
 // A card that was plugged in since a fixed brightness was sent learns it.
 void RepeatInMix() {
+  const CMutexGuardT guard(Brightness::m_plan);
   if (!Brightness::BriBroadcastArrived) return;
   Brightness::BriBroadcastArrived = DISABLE;
   if (MixRuns()) Brightness::SendBrightness(brightness::kAllPorts, Brightness::LastGlobalBri);
@@ -191,12 +221,13 @@ void Act(WatchAction action) {
 }  // namespace
 
 void Brightness::TimeToOver_Handler() {
+  const CMutexGuardT guard(m_plan);
   const auto look = brightness::LookAtArmed(INT_Once, TimeIntHour, TimeIntMin, Now());
   if (look.met) {
     MCUC_LOG(kLogInfo,
              "*********************** Brightness TIME INT Comming ***********************");
-    INT_Once = look.state;  // only now: a plan that starts at this moment may have armed its node
   }
+  INT_Once = look.state;
   if (!look.reached) return;
   MCUC_LOG(kLogInfo,
            "**********************Brightness Times Gone Node:" << static_cast<int>(RtcIndex));
@@ -204,6 +235,7 @@ void Brightness::TimeToOver_Handler() {
 }
 
 void Brightness::ProgrammableBrightnessAdjust() {
+  const CMutexGuardT guard(m_plan);
   TakeArrival(ProgrammableAdjustEnable);
   if (!ProgrammableAdjustArrived || !ProgrammableAdjustEnable) return;
   ProgrammableAdjustArrived = DISABLE;
@@ -212,19 +244,13 @@ void Brightness::ProgrammableBrightnessAdjust() {
 }
 
 void Brightness::AutoBrightnessAdjust() {
+  const uint32_t plan = PlanChanges;
   if (!AutoBrightnessAdjustArrived || !AutoBrightnessAdjustEnable) return;
-  const u8 slot = NextSlot();
   u16 lux = 0;
-  if (GetAverageLuxOneTime(lux) == kDone) {
-    AutoBrightnessReadValTable[slot] = lux;
-    AutoBrightnessAdjustCnt = static_cast<u8>(slot + 1);
-    u8 value = 0;
-    if (slot + 1 >= kReadingsOfSensorMode &&
-        AverageOfReadings(kReadingsOfSensorMode, lux) == kAveraged &&
-        LuxToBrightnessLookupTable(lux, value) == kDone) {
-      SendBrightness(brightness::kAllPorts, value);
-    }
-  }
+  const bool read = GetAverageLuxOneTime(lux) == kDone;
+  UnderPlan(plan, [=] {
+    if (read) TakeReadingOfSensorMode(lux);
+  });
   AutoBrightnessAdjustArrived = DISABLE;
 }
 
@@ -235,6 +261,7 @@ void Brightness::MixBrightnessAdjust() {
 }
 
 void Brightness::SeiralComErrorProcess() {
+  const CMutexGuardT guard(m_plan);
   using brightness::Watch;
   const bool alive = DevComLinkState != 0;
   const Watch watch = SerialCtrlScreenBlackEnable ? Watch::kCards
