@@ -60,6 +60,8 @@ std::string Hex(std::span<const std::uint8_t> bytes) {
   return bytes.empty() ? "" : board::Hex(bytes.data(), bytes.size());
 }
 
+std::string Fields(const char* hex) { return Hex(inprocess::Bytes(hex)); }
+
 std::string Flash(std::uint32_t address, std::size_t length) {
   std::string bytes(length, '\0');
   LiveStore(address).read(bytes.data(), static_cast<std::streamsize>(length));

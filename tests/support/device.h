@@ -19,6 +19,8 @@ void Join();
 
 // Bytes as hexadecimal text.
 std::string Hex(std::span<const std::uint8_t> bytes);
+// Hexadecimal text as that gives it, from one with blanks between its fields.
+std::string Fields(const char* hex);
 
 // The live store and FPGA 1 as another process sees and changes them; nothing is traced, and no
 // fault is taken.

@@ -3,21 +3,23 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <nlohmann/json.hpp>
 
 #include "board/cells.h"
 #include "proto/calc_curves.h"
 #include "support/board_kit.h"
+#include "support/ctl.h"
 #include "support/daemon.h"
 #include "support/device.h"
-#include "support/run.h"
 
 namespace {
 
 using nlohmann::json;
 using support::RunResult;
-using Words = std::vector<std::string>;
+using support::Words;
 using ZEPH_MCUC::GammaTable;
+
+constexpr auto Out = &support::CtlOut;
+constexpr auto Json = &support::CtlJson;
 
 class CtlColour : public testing::Test {
  protected:
@@ -31,23 +33,6 @@ class CtlColour : public testing::Test {
   void Restart() {
     daemon_.reset();
     Start();
-  }
-
-  static RunResult Run(Words words) {
-    words.insert(words.begin(), support::Built("quivordctl"));
-    return support::Run(words);
-  }
-
-  // What a command that works prints, without the last line feed.
-  static std::string Out(const Words& words) {
-    const RunResult run = Run(words);
-    EXPECT_EQ(run.status, 0) << run.err;
-    return run.out.substr(0, run.out.find_last_not_of('\n') + 1);
-  }
-
-  static json Json(Words words) {
-    words.insert(words.begin(), "--json");
-    return json::parse(Out(words), nullptr, false);
   }
 
   static std::string File(const char* name) { return board_kit::Named() / name; }
@@ -107,7 +92,7 @@ TEST_F(CtlColour, SettingsKeepWhatIsNotGiven) {
   EXPECT_EQ(Out({"picture"}), "saturation 0, contrast 0, hue 0");
 
   EXPECT_EQ(Out({"warmup"}), "no warm-up is set");
-  EXPECT_EQ(Run({"warmup", "--mode", "1"}).status, 2);  // the time would be anything
+  EXPECT_EQ(support::Ctl({"warmup", "--mode", "1"}).status, 2);  // the time would be anything
   Out({"warmup", "--mode", "1", "--time", "60"});
   Restart();
   Out({"warmup", "--time", "70"});
@@ -170,7 +155,7 @@ TEST_F(CtlColour, PatternsAreSentWholeAndDrawnOnTheWall) {
   Out({"wall", "draw", "--pattern", File("pattern.png")});
   EXPECT_GT(std::filesystem::file_size(File("pattern.png")), 5000U);
   EXPECT_EQ(Out({"pattern", "off"}), "no pattern");
-  EXPECT_EQ(Run({"wall", "draw", "--pattern", File("pattern.png")}).status, 1);
+  EXPECT_EQ(support::Ctl({"wall", "draw", "--pattern", File("pattern.png")}).status, 1);
 }
 
 TEST_F(CtlColour, WhatCannotBeIsRefusedBeforeItIsSent) {
@@ -203,7 +188,7 @@ TEST_F(CtlColour, WhatCannotBeIsRefusedBeforeItIsSent) {
       {"--device", "receiver", "hdr", "off"},
   };
   for (const Words& words : cases) {
-    const RunResult run = Run(words);
+    const RunResult run = support::Ctl(words);
     EXPECT_EQ(run.status, 2) << words[1] << ' ' << run.out;
     EXPECT_TRUE(run.err.starts_with("quivordctl: ")) << run.err;
   }

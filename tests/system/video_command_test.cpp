@@ -3,27 +3,19 @@
 
 #include <csignal>
 #include <fstream>
-#include <nlohmann/json.hpp>
 
 #include "board/files.h"
 #include "support/board_kit.h"
+#include "support/ctl.h"
 #include "support/daemon.h"
 #include "support/process.h"
-#include "support/run.h"
 
 namespace {
 
 using nlohmann::json;
 
-support::RunResult Ctl(std::vector<std::string> arguments) {
-  arguments.insert(arguments.begin(), {support::Built("quivordctl"), "--json"});
-  return support::Run(arguments);
-}
-
-json Object(const support::RunResult& result) {
-  EXPECT_EQ(result.status, 0) << result.err;
-  return json::parse(result.out, nullptr, false);
-}
+using support::Ctl;
+using support::CtlJson;
 
 class VideoCommand : public testing::Test {
  protected:
@@ -37,10 +29,10 @@ class VideoCommand : public testing::Test {
 
   // The size that a group shows, and the source ID that is current.
   static json Shown(const char* group) {
-    const json timing = Object(Ctl({"edid", "show", "--group", group}))["timings"][0];
+    const json timing = CtlJson({"edid", "show", "--group", group})["timings"][0];
     return {timing["horizontal"]["active"], timing["vertical"]["active"]};
   }
-  static json Current() { return Object(Ctl({"read", "0x020001A5", "1"}))["data"]; }
+  static json Current() { return CtlJson({"read", "0x020001A5", "1"})["data"]; }
 
   std::unique_ptr<support::Daemon> daemon_;
 };
@@ -50,15 +42,15 @@ TEST_F(VideoCommand, InputsAreFoundAndShownTheirModes) {
   EXPECT_EQ(before.status, 1) << "no input was looked for yet";
   EXPECT_EQ(Ctl({"edid", "set", "--mode", "1280x720"}).status, 1);
 
-  Object(Ctl({"feature", "set", "edid-flag", "0x50"}));
-  const json inputs = Object(Ctl({"inputs"}))["inputs"];
+  CtlJson({"feature", "set", "edid-flag", "0x50"});
+  const json inputs = CtlJson({"inputs"})["inputs"];
   ASSERT_EQ(inputs.size(), 3U);
   EXPECT_EQ(inputs[0]["edid"]["name"], "ZEPH DUAL_DVI");
   EXPECT_EQ(inputs[1]["edid"]["name"], "ZEPH HDMI1.4");
   EXPECT_EQ(inputs[2]["edid"], nullptr);
   EXPECT_EQ(Current(), "50") << "put back";
 
-  EXPECT_EQ(Object(Ctl({"edid", "set", "--mode", "1280x720@50", "--group", "1"})),
+  EXPECT_EQ(CtlJson({"edid", "set", "--mode", "1280x720@50", "--group", "1"}),
             json::parse(R"({"group": 1, "width": 1280, "height": 720, "rate_hz": 50.0})"));
   EXPECT_EQ(Shown("1"), (json{1280, 720}));
   EXPECT_EQ(Shown("0"), (json{1920, 1080}));
@@ -66,14 +58,14 @@ TEST_F(VideoCommand, InputsAreFoundAndShownTheirModes) {
 }
 
 TEST_F(VideoCommand, AnEdidIsSavedAndWritten) {
-  Object(Ctl({"inputs"}));
-  Object(Ctl({"edid", "set", "--mode", "2560x1080@60"}));
-  Object(Ctl({"edid", "save", File("saved.bin")}));
+  CtlJson({"inputs"});
+  CtlJson({"edid", "set", "--mode", "2560x1080@60"});
+  CtlJson({"edid", "save", File("saved.bin")});
   const std::string saved = board::ReadWhole(File("saved.bin")).value_or("");
   EXPECT_EQ(saved, board::ReadWhole(board_kit::Named() / "inputs/0000.edid"));
-  EXPECT_EQ(Object(Ctl({"edid", "show", File("saved.bin")}))["valid"], true);
+  EXPECT_EQ(CtlJson({"edid", "show", File("saved.bin")})["valid"], true);
 
-  Object(Ctl({"edid", "write", File("saved.bin"), "--group", "1"}));
+  CtlJson({"edid", "write", File("saved.bin"), "--group", "1"});
   EXPECT_EQ(Shown("1"), (json{2560, 1080}));
 
   board_kit::Put("short.bin", saved.substr(0, 100));
@@ -85,7 +77,7 @@ TEST_F(VideoCommand, AnEdidIsSavedAndWritten) {
 }
 
 TEST_F(VideoCommand, AModeThatTheInputNeverShowsIsTold) {
-  Object(Ctl({"inputs"}));
+  CtlJson({"inputs"});
   ASSERT_EQ(board_kit::RunTool("fault edid-write 1").status, 0);
   const support::RunResult result = Ctl({"edid", "set", "--mode", "1280x720"});
   EXPECT_EQ(result.status, 1);
@@ -93,7 +85,7 @@ TEST_F(VideoCommand, AModeThatTheInputNeverShowsIsTold) {
 }
 
 TEST_F(VideoCommand, AnInterruptedCommandPutsTheInputBack) {
-  Object(Ctl({"inputs"}));
+  CtlJson({"inputs"});
   ASSERT_EQ(board_kit::RunTool("fault edid-write 1").status, 0);
   support::Process setting({.command = {support::Built("quivordctl"), "edid", "set", "--mode",
                                         "1280x720", "--group", "1"}});
@@ -104,20 +96,20 @@ TEST_F(VideoCommand, AnInterruptedCommandPutsTheInputBack) {
 }
 
 TEST(VideoTools, TimingAndScaleAskNoDevice) {
-  const json table = Object(Ctl({"timing", "1920x1080@59.94"}));
+  const json table = CtlJson({"timing", "1920x1080@59.94"});
   EXPECT_EQ(table["from"], "table");
   EXPECT_EQ(table["name"], "MD_1920X1080_60");
   EXPECT_EQ(table["descriptor"], "f439801871382d40582c4500000000000018");
   EXPECT_EQ(table["output"]["hs_total"], 1040);
-  const json calculated = Object(Ctl({"timing", "1280x1024@70"}));
+  const json calculated = CtlJson({"timing", "1280x1024@70"});
   EXPECT_EQ(calculated["from"], "calculation");
   EXPECT_EQ(calculated["timing"]["vertical"]["sync"], 7);
-  EXPECT_EQ(Object(Ctl({"timing", "7680x4320"}))["descriptor"], nullptr);
+  EXPECT_EQ(CtlJson({"timing", "7680x4320"})["descriptor"], nullptr);
   EXPECT_EQ(Ctl({"timing", "1920"}).status, 2);
 
   const std::string picture = (board_kit::Named() / "scale.svg").string();
-  const json scale = Object(Ctl({"scale", "--source", "1920x1080", "--layer", "960x540+100+50",
-                                 "--output", "1920x1080", "--draw", picture}));
+  const json scale = CtlJson({"scale", "--source", "1920x1080", "--layer", "960x540+100+50",
+                              "--output", "1920x1080", "--draw", picture});
   EXPECT_EQ(scale["front"]["h_ratio"], (1919U << 16) / 959);
   EXPECT_EQ(scale["back"]["placed"], (json{{"x", 100}, {"y", 50}}));
   EXPECT_NE(board::ReadWhole(picture).value_or("").find("<svg"), std::string::npos);

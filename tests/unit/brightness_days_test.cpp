@@ -11,7 +11,7 @@
 #include "board/cards.h"
 #include "stub/mcucmessagestruct_layout.h"
 #include "support/board_kit.h"
-#include "support/brightness_bytes.h"
+#include "support/brightness_board.h"
 #include "support/loop.h"
 #include "support/slow_mix.h"
 
@@ -69,25 +69,12 @@ class PacketCount {
   const uint8_t* bytes_;
 };
 
-// All values that have gone to every card, in order.
-std::vector<int> SentToCards() {
-  std::vector<int> values;
-  for (const std::string& line : board_kit::TraceLines()) {
-    unsigned value = 0;
-    if (std::sscanf(line.c_str(), "card W 1 255 65535 0x02000001 1 0 %x", &value) == 1) {
-      values.push_back(static_cast<int>(value));
-    }
-  }
-  return values;
-}
-
 TEST(BrightnessDays, ThreeDaysOfAMixSendWhatTheRulesSay) {
-  board_kit::Configure("speed = 2000\ntrace = card\n");
-  loop::Start(kStart_s);
+  brightness_board::StartAt(kStart_s);
   const auto file = Plan().Bytes();
   ASSERT_LE(file.size(), 512U);
   // Stored, as an earlier run left it: the first pass starts it.
-  board_kit::StoreFlash(0xB8B000, file);
+  board_kit::StoreFlash(brightness_board::kFlash, file);
 
   // Written over in place: a file cut and filled anew thousands of times keeps a disk busy.
   board_kit::Put("sensors/lux", "0\n");
@@ -110,7 +97,7 @@ TEST(BrightnessDays, ThreeDaysOfAMixSendWhatTheRulesSay) {
     ASSERT_EQ(loop::BoardTime_us(), rules.time_us())
         << "the time after pass " << pass << " differs";
   }
-  EXPECT_EQ(SentToCards(), wanted);
+  EXPECT_EQ(brightness_board::SentValues(), wanted);
   EXPECT_GT(passesThatSent, 500) << "the plan has hardly run";
 }
 

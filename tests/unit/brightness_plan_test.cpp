@@ -89,89 +89,72 @@ TEST(BrightnessPlan, AnyTableComesBack) {
 }
 
 TEST(BrightnessPlan, FaultsAreNamed) {
-  const struct {
-    const char* text;
-    const char* fault;
-  } cases[] = {
+  using Text = std::string;
+  const auto list = [](const Text& nodes) {
+    return R"({"kind": "list", "nodes": [)" + nodes + "]}";
+  };
+  const auto at8 = [](const Text& fields) { return R"({"time": "08:00", )" + fields + "}"; };
+  const auto mix = [&at8](const Text& node, const Text& more = "") {
+    return R"({"kind": "mix", "nodes": [)" + at8(node) + "]" + (more.empty() ? "" : ", " + more) +
+           "}";
+  };
+  const auto sensor = [](const Text& sensors, int dark) {
+    return R"({"kind": "sensor", "steps": 4, "bright": {"lux": 2, "brightness": 2}, "sensors": [)" +
+           sensors + R"(], "dark": {"brightness": 1, "lux": )" + std::to_string(dark) + "}}";
+  };
+  const Text plain = R"("brightness": 1, "ports": [0])";
+  const Text colours = R"("colours": {"red": 1, "green": 1, "blue": 1, "virtual_red": 1})";
+  const Text one = R"("port": 0, "card": 0, "address": 1})";
+  const Text fixed = R"("percent": 3)";
+  const std::pair<Text, const char*> cases[] = {
       {"{", "not JSON"},
       {R"({"kind": "other"})", "\"kind\" is list, sensor, mix, serial or hardware"},
       {R"({"kind": 7})", "\"kind\" is a text"},
-      {R"({"kind": "list", "nodes": []})", "1 to 32 are needed"},
+      {list(""), "1 to 32 are needed"},
       {R"({"kind": "list", "nodes": 3})", "\"nodes\" is a list"},
-      {R"({"kind": "list", "nodes": [{"time": "8:00", "brightness": 1, "ports": []}]})",
-       "\"time\" is a time"},
-      {R"({"kind": "list", "nodes": [{"time": "24:00", "brightness": 1, "ports": []}]})",
-       "\"time\" is a time"},
-      {R"({"kind": "list", "nodes": [{"time": "08:00", "brightness": 256, "ports": []}]})",
-       "\"brightness\" is 0 to 255"},
-      {R"({"kind": "list", "nodes": [{"time": "08:00", "brightness": "101%", "ports": []}]})",
-       "\"brightness\" is 0 to 255"},
-      {R"({"kind": "list", "nodes": [{"time": "08:00", "brightness": 1, "ports": [4]}]})",
-       "ports from 0 to 3"},
-      {R"({"kind": "list", "nodes": [
-           {"time": "08:00", "brightness": 1, "ports": [0],
-            "colours": {"red": 1, "green": 1, "blue": 1, "virtual_red": 1}},
-           {"time": "09:00", "brightness": 1, "ports": [0]}]})",
+      {list(R"({"time": "8:00", )" + plain + "}"), "\"time\" is a time"},
+      {list(R"({"time": "24:00", )" + plain + "}"), "\"time\" is a time"},
+      {list(at8(R"("brightness": 256, "ports": [])")), "\"brightness\" is 0 to 255"},
+      {list(at8(R"("brightness": "101%", "ports": [])")), "\"brightness\" is 0 to 255"},
+      {list(at8(R"("brightness": 1, "ports": [4])")), "ports from 0 to 3"},
+      {list(at8(plain + ", " + colours) + R"(, {"time": "09:00", )" + plain + "}"),
        "\"colours\" each, or none"},
-      {R"({"kind": "list", "nodes": [{"time": "08:00", "brightness": 1, "ports": []},
-                                     {"time": "08:00", "brightness": 1, "ports": []}]})",
-       "node 1 (08:00) does not come after node 0"},
-      {R"({"kind": "sensor", "sensors": [], "dark": {"lux": 1, "brightness": 1},
-           "bright": {"lux": 2, "brightness": 2}, "steps": 4})",
-       "\"sensors\": 0, but 1 to 8"},
-      {R"({"kind": "sensor", "sensors": [{"port": 0, "card": 0, "address": 1}],
-           "dark": {"lux": 2, "brightness": 1}, "bright": {"lux": 2, "brightness": 2}, "steps": 4})",
-       "\"dark\" has as much lux"},
-      {R"({"kind": "sensor", "sensors": [{"position": 1, "port": 0, "card": 0, "address": 1}],
-           "dark": {"lux": 1, "brightness": 1}, "bright": {"lux": 2, "brightness": 2}, "steps": 4})",
-       "position 1, where no device reads one"},
+      {list(at8(plain) + ", " + at8(plain)), "node 1 (08:00) does not come after node 0"},
+      {sensor("", 1), "\"sensors\": 0, but 1 to 8"},
+      {sensor("{" + one, 2), "\"dark\" has as much lux"},
+      {sensor(R"({"position": 1, )" + one, 1), "position 1, where no device reads one"},
       {R"({"kind": "mix"})", "\"nodes\": 0, but 1 to 255"},
-      {R"({"kind": "mix", "nodes": [{"time": "08:00", "sensor": true}]})", "\"sensors\": 0"},
-      {R"({"kind": "mix", "nodes": [{"time": "08:00", "sensor": true}],
-           "sensors": [{"port": 0, "card": 0, "address": 1}]})",
-       "\"lux_map\": 0, but 1 to 32"},
-      {R"({"kind": "mix", "nodes": [{"time": "08:00", "sensor": true, "percent": 3}]})",
-       "no place beside \"sensor\""},
-      {R"({"kind": "mix", "nodes": [{"time": "08:00", "percent": 3, "days": ["day"]}]})",
-       "names days"},
-      {R"({"kind": "mix", "nodes": [{"time": "08:00", "percent": 3, "use": false}]})",
-       "no node is in use"},
-      {R"({"kind": "mix", "nodes": [{"time": "08:00", "percent": 3}],
-           "lux_map": [{"lux": 5, "percent": 1}, {"lux": 5, "percent": 2}]})",
+      {mix(R"("sensor": true)"), "\"sensors\": 0"},
+      {mix(R"("sensor": true)", R"("sensors": [{)" + one + "]"), "\"lux_map\": 0, but 1 to 32"},
+      {mix(R"("sensor": true, "percent": 3)"), "no place beside \"sensor\""},
+      {mix(R"("percent": 3, "days": ["day"])"), "names days"},
+      {mix(R"("percent": 3, "use": false)"), "no node is in use"},
+      {mix(fixed, R"("lux_map": [{"lux": 5, "percent": 1}, {"lux": 5, "percent": 2}])"),
        "entry 1 has no more lux"},
-      {R"({"kind": "mix", "nodes": [{"time": "08:00", "percent": 3}], "reading":
-           {"interval_s": 1, "readings": 17}})",
+      {mix(fixed, R"("reading": {"interval_s": 1, "readings": 17})"),
        "\"readings\" is a number from 0 to 16"},
-      {R"({"kind": "mix", "nodes": [{"time": "08:00", "percent": 3}],
-           "positions": {"nodes": 17}})",
-       "the nodes would lie on the header"},
-      {R"({"kind": "mix", "nodes": [{"time": "08:00", "percent": 3}],
-           "positions": {"fallback": 5118, "file_length": 5120}})",
+      {mix(fixed, R"("positions": {"nodes": 17})"), "the nodes would lie on the header"},
+      {mix(fixed, R"("positions": {"fallback": 5118, "file_length": 5120})"),
        "bytes, a device holds 5120"},
-      {R"({"kind": "mix", "nodes": [{"time": "08:00", "percent": 3}],
-           "positions": {"file_length": 30}})",
-       "the file's length of 30 does not hold"},
-      {R"({"kind": "mix", "nodes": [{"time": "08:00", "percent": 3}],
-           "extra": [{"at": 0, "bytes": "5b"}]})",
-       "\"extra\" changes the plan's kind"},
-      {R"({"kind": "mix", "nodes": [{"time": "08:00", "percent": 3}],
-           "extra": [{"at": 9, "bytes": "5"}]})",
-       "two digits a byte"},
+      {mix(fixed, R"("positions": {"file_length": 30})"), "the file's length of 30 does not hold"},
+      {mix(fixed, R"("extra": [{"at": 0, "bytes": "5b"}])"), "\"extra\" changes the plan's kind"},
+      {mix(fixed, R"("extra": [{"at": 9, "bytes": "5"}])"), "two digits a byte"},
   };
-  for (const auto& test : cases) {
-    const auto plan = ParsePlan(test.text);
-    ASSERT_FALSE(plan) << test.text;
-    EXPECT_NE(plan.error().text.find(test.fault), std::string::npos) << plan.error().text;
+  for (const auto& [text, fault] : cases) {
+    const auto plan = ParsePlan(text);
+    ASSERT_FALSE(plan) << text;
+    EXPECT_NE(plan.error().text.find(fault), std::string::npos) << plan.error().text;
   }
 }
 
-TEST(BrightnessPlan, TooManyNodesDoNotFit) {
+TEST(BrightnessPlan, HoldsAsManyNodesAsATableCan) {
   Plan plan = Parsed(Example("hardware"));
   plan.nodes.clear();
   for (int i = 0; i < 255; ++i) {
-    plan.nodes.push_back({static_cast<std::uint8_t>(brightness_bytes::Bcd(i / 60)),
-                          static_cast<std::uint8_t>(brightness_bytes::Bcd(i % 60)), false, 0x7F, 1,
-                          1});
+    const auto bcd = [](int value) {
+      return static_cast<std::uint8_t>(brightness_bytes::Bcd(value));
+    };
+    plan.nodes.push_back({bcd(i / 60), bcd(i % 60), false, 0x7F, 1, 1});
   }
   Settle(plan);
   EXPECT_EQ(Obstacle(plan), "");
@@ -209,18 +192,18 @@ TEST(BrightnessCourse, StandsWhereTheClockIs) {
       {31, 23, 30, 7, true, 0, 60},
   };
   for (const Case& c : kCases) {
-    table::Moment now;
-    now.year = 26;
-    now.month = 5;
-    now.day = static_cast<std::uint8_t>(c.day);
-    now.hour = static_cast<std::uint8_t>(c.hour);
-    now.minute = static_cast<std::uint8_t>(c.minute);
+    const table::Moment now{.year = 26,
+                            .month = 5,
+                            .day = static_cast<std::uint8_t>(c.day),
+                            .hour = static_cast<std::uint8_t>(c.hour),
+                            .minute = static_cast<std::uint8_t>(c.minute)};
+    SCOPED_TRACE(testing::Message() << c.day << ' ' << c.hour);
     const auto standing = StandingAt(plan, now);
     ASSERT_TRUE(standing.has_value());
-    EXPECT_EQ(standing->node, c.node) << c.day << " " << c.hour;
-    EXPECT_EQ(standing->today, c.today) << c.day << " " << c.hour;
-    EXPECT_EQ(standing->next, c.next) << c.day << " " << c.hour;
-    EXPECT_EQ(standing->next_in_min, c.in_min) << c.day << " " << c.hour;
+    EXPECT_EQ(standing->node, c.node);
+    EXPECT_EQ(standing->today, c.today);
+    EXPECT_EQ(standing->next, c.next);
+    EXPECT_EQ(standing->next_in_min, c.in_min);
   }
   EXPECT_FALSE(StandingAt(Parsed(Example("serial")), {}).has_value());
 }

@@ -6,10 +6,8 @@
 #include "board/faults.h"
 #include "driverutil.h"
 #include "process/tprocess.h"
-#include "proto/calc_hc.h"
 #include "support/device.h"
 #include "support/inprocess.h"
-#include "support/rounds.h"
 #include "support/trace.h"
 
 namespace ZEPH_MCUC {
@@ -67,10 +65,7 @@ TEST(HCInteraction, ReadsZerosWhereFlashCannotBeRead) {
     const char* what;
   };
   constexpr Case kCases[] = {
-      {0x117, 25,
-       "00e8031e00000000000000000000000000000000000000"
-       "0f00",
-       "25 Para"},
+      {0x117, 25, "00e8031e000000000000000000000000000000000000000f00", "25 Para"},
       {0x12C, 2, "0000", "KeepWarmUpModeInfo"},
       {0x0C0, 1, "00", "devcom_mode Para"},
   };
@@ -206,65 +201,6 @@ TEST(HCInteraction, HandlersEndOnABlockWithoutData) {
               std::string("Error === Sprocess_") + c.name + " ===: data block is null! return.\n");
   }
   EXPECT_EQ(trace.Take(), "");
-}
-
-// --- Differential run ---------------------------------------------------------------------------
-
-// The space as a table of cells: each has a value, and a mode in which alone it is taken.
-class SlowSpace {
- public:
-  // What a write queues: 'H' HDR10, 'G' HLG or default, 'C' colour, 'W' warm-up, 'E' environment.
-  char Write(std::uint32_t offset, const std::vector<std::uint8_t>& bytes) {
-    if (offset == 0x13A) return bytes.size() == 4 ? TakeColour(bytes) : '-';
-    if (offset == 0x12C) return bytes.size() == 2 ? 'W' : '-';
-    if (offset == 0x0C0) return 'E';
-    if (!cell.contains(offset)) return '-';
-    if (offset == 0x117) cell[0x117] = bytes[0];
-    const bool hdr10 = cell[0x117] == 0x58;
-    const bool of_hdr10 = offset == 0x118 || offset == 0x11A || offset == 0x12E;
-    if (hdr10 && of_hdr10) cell[offset] = bytes[0];
-    if (hdr10 && offset == 0x118 && bytes.size() > 1) cell[offset] += 256 * bytes[1];
-    if (!hdr10 && offset == 0x129) cell[offset] = bytes[0];
-    return hdr10 ? 'H' : 'G';
-  }
-
-  std::map<std::uint32_t, int> cell = {
-      {0x117, 0}, {0x118, 1000}, {0x11A, 30}, {0x129, 4}, {0x12E, 15}};
-  int saturation = 50;
-  int contrast = 50;
-  int hue = 0;
-
- private:
-  char TakeColour(const std::vector<std::uint8_t>& bytes) {
-    saturation = bytes[0];
-    contrast = bytes[1];
-    hue = bytes[2] + 256 * bytes[3];
-    return 'C';
-  }
-};
-
-TEST(HCInteraction, DoesAsATableOfCellsDoes) {
-  constexpr std::uint32_t kOffsets[] = {0x117, 0x117, 0x118, 0x11A, 0x129, 0x12C,
-                                        0x12E, 0x13A, 0x0C0, 0x000, 0x11B, 0x1F0};
-  constexpr std::uint8_t kValues[] = {0, 0x58, 0x78, 0x33, 1, 255};
-  support::Random random(4711);
-  hc::Parameters parameters;
-  SlowSpace slow;
-  for (int round = 0; round < support::Rounds(20000); ++round) {
-    const std::uint32_t offset = kOffsets[random(0, std::size(kOffsets) - 1)];
-    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(random(1, 5)));
-    for (auto& byte : bytes) byte = kValues[random(0, std::size(kValues) - 1)];
-    const hc::Work work = hc::TakeWrite(offset, bytes, &parameters);
-    ASSERT_EQ("-HGCWE"[static_cast<std::size_t>(work)], slow.Write(offset, bytes)) << round;
-    const std::vector<int> fast = {parameters.hdr.HDRType,       parameters.hdr.fScreenPeakLight,
-                                   parameters.hdr.fambientLight, parameters.hdr.HLGCalss,
-                                   parameters.hdr.pMinLum,       parameters.colour.Saturation,
-                                   parameters.colour.Contrast,   parameters.colour.Hue};
-    ASSERT_EQ(fast, (std::vector<int>{slow.cell[0x117], slow.cell[0x118], slow.cell[0x11A],
-                                      slow.cell[0x129], slow.cell[0x12E], slow.saturation,
-                                      slow.contrast, slow.hue}))
-        << round;
-  }
 }
 
 }  // namespace

@@ -107,17 +107,10 @@ TEST(ModeChange, BackToDefaultBringsStoredTablesAndTheBuiltInOnesForTheRest) {
                               "fpga W 0x500109 00\nfpga W 0x1ea ff\nflash W 0xc21000 x10\n");
   ExpectInFpga(red, GammaTable_x(), GammaTable_x());
   EXPECT_EQ(device::Image(0x1EA, 1), "58");  // the image doesn't follow
-}
-
-TEST(ModeChange, ToAnUnknownTypeSwitchesAndLeavesTheTables) {
-  device::Begin("fpga flash");
-  ChooseMode("58");
-  support::Trace trace;
-  ChooseMode("33");
+  ChooseMode("33");                          // no type at all: the switches alone
   EXPECT_EQ(trace.Take(),
             "flash R 0xd00000 x4\nflash R 0xd01000 x4\nflash R 0xd02000 x4\n"
             "fpga W 0x500109 00\nfpga W 0x1ea ff\nflash W 0xc21000 x10\n");
-  ExpectInFpga(UsualHdr10());
 }
 
 TEST(ModeChange, OfTheBitDepthSlotChoosesTheSet) {
@@ -167,28 +160,25 @@ TEST(ModeChange, TableThatCannotBeReadIsTheBuiltInOne) {
 // A failed access is lost by itself: all others arrive.
 TEST(ModeChange, SurvivesAFailureOfEachAccess) {
   device::Begin("none");
-  const std::string table = device::Hex(UsualHdr10());
+  const std::string tables =
+      device::Hex(UsualHdr10()) + device::Hex(UsualHdr10()) + device::Hex(UsualHdr10());
   for (int failing = 0; failing < 26; ++failing) {
-    const std::string blank(2 * kGammaTableSize, '0');
-    for (const std::uint32_t bus : {0x700000, 0x710000, 0x720000})
-      device::PutFpga(bus, blank.c_str());
-    device::PutFpga(0x500109, "00");
-    device::PutFpga(0x1EA, "00");
-    device::PutFlash(0xC21000, "00");
+    ChooseMode("00");
     SetFaultCount(Fault::kSkip, failing);
     SetFaultCount(Fault::kFpgaWrite, 3);
     ChooseMode("58");
-    EXPECT_EQ(device::Fpga(0x500109, 1), failing == 24 ? "00" : "5a");
-    EXPECT_EQ(device::Fpga(0x1EA, 1), failing == 25 ? "00" : "58");
-    EXPECT_EQ(device::Flash(0xC21000, 1), "58");
-    std::string held = InFpga(rgbgamma::Colour::kRed) + InFpga(rgbgamma::Colour::kGreen) +
-                       InFpga(rgbgamma::Colour::kBlue);
-    std::string expected = table;
-    expected.append(table).append(table);
+    std::string held, expected = tables;
+    for (const auto colour :
+         {rgbgamma::Colour::kRed, rgbgamma::Colour::kGreen, rgbgamma::Colour::kBlue}) {
+      held += InFpga(colour);
+    }
     if (failing < 24) {
-      expected.replace(static_cast<std::size_t>(failing) * 2048, 2048, std::string(2048, '0'));
+      const auto at = static_cast<std::size_t>(failing) * 2048;
+      expected.replace(at, 2048, device::Hex(GammaTable_x()).substr(at % 16384, 2048));
     }
     EXPECT_EQ(held, expected) << failing;
+    EXPECT_EQ(device::Fpga(0x500109, 1), failing == 24 ? "00" : "5a");
+    EXPECT_EQ(device::Fpga(0x1EA, 1), failing == 25 ? "ff" : "58");
   }
 }
 

@@ -121,10 +121,8 @@ TEST(LiveLog, PassesOverWhatIsNoLineOfTheBus) {
   const auto frames = log.entries().size();
   EXPECT_LE(frames, 2U) << "the shortest frame, and it";
   for (const char* line :
-       {"", " ", "bus", "1 bus", "1 bus > ",
-        "x bus > 0x1 20 "
-        "00",
-        "1 fpga W 1 0x0 1 ok 00", "1 bus ? 0x007f773a 20 55aa00000000000000000000de0100f001002557",
+       {"", " ", "bus", "1 bus", "1 bus > ", "x bus > 0x1 20 0", "1 fpga W 1 0x0 1 ok 00",
+        "1 bus ? 0x007f773a 20 55aa00000000000000000000de0100f001002557",
         "1 bus > 007f773a 20 55aa00000000000000000000de0100f001002557",
         "1 bus > 0xfffffffff 20 55aa00000000000000000000de0100f001002557",
         "1 bus > 0x1 20 zzzz00000000000000000000de0100f001002557", "1 bus > 0x1 0 -"}) {

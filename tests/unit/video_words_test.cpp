@@ -17,45 +17,33 @@ namespace {
 using namespace ZEPH_MCUC;
 
 TEST(VideoWords, ModesAndRectangles) {
-  const std::pair<const char*, std::optional<VideoMode>> kModes[] = {
+  const std::pair<const char*, VideoMode> kModes[] = {
       {"1920x1080@59.94", VideoMode{1920, 1080, 5994}},
       {"1920x1080", VideoMode{1920, 1080, 6000}},
       {"1x1@0.01", VideoMode{1, 1, 1}},
       {"65535x65535@655.35", VideoMode{65535, 65535, 65535}},
       {"800x600@7.5", VideoMode{800, 600, 750}},
-      {"1920x1080@", std::nullopt},
-      {"1920x1080@0", std::nullopt},
-      {"1920x1080@655.36", std::nullopt},
-      {"1920x1080@59.940", std::nullopt},
-      {"1920x1080@59.", std::nullopt},
-      {"1920x1080@-60", std::nullopt},
-      {"1920x1080@60Hz", std::nullopt},
-      {"65536x1080", std::nullopt},
-      {"0x1080", std::nullopt},
-      {"01920x1080", std::nullopt},
-      {"1920", std::nullopt},
-      {"1920x", std::nullopt},
-      {"", std::nullopt},
-      {"+5x5", std::nullopt},
   };
   for (const auto& [text, mode] : kModes) EXPECT_EQ(ParseMode(text), mode) << text;
+  for (const char* text : {"1920x1080@", "1920x1080@0", "1920x1080@655.36", "1920x1080@59.940",
+                           "1920x1080@59.", "1920x1080@-60", "1920x1080@60Hz", "65536x1080",
+                           "0x1080", "01920x1080", "1920", "1920x", "", "+5x5"}) {
+    EXPECT_EQ(ParseMode(text), std::nullopt) << text;
+  }
   EXPECT_EQ(ModeText({1920, 1080, 5994}), "1920 × 1080 at 59.94 Hz");
 
   const std::pair<const char*, const char*> kRectangles[] = {
       {"960x540", "960 × 540 at (0, 0)"},
       {"960x540+10-20", "960 × 540 at (10, -20)"},
       {"1x1-65535+65535", "1 × 1 at (-65535, 65535)"},
-      {"960x540+10", ""},
-      {"960x540+10+", ""},
-      {"960x540+-10+5", ""},
-      {"960x540 10 20", ""},
-      {"960x0+1+1", ""},
-      {"960x540+1+99999", ""},
-      {"960x540+1+1+1", ""},
   };
   for (const auto& [text, wanted] : kRectangles) {
     const auto rectangle = ParseRectangle(text);
     EXPECT_EQ(rectangle ? RectangleText(*rectangle) : "", wanted) << text;
+  }
+  for (const char* text : {"960x540+10", "960x540+10+", "960x540+-10+5", "960x540 10 20",
+                           "960x0+1+1", "960x540+1+99999", "960x540+1+1+1"}) {
+    EXPECT_FALSE(ParseRectangle(text)) << text;
   }
 }
 
@@ -113,24 +101,13 @@ TEST(VideoWords, FactsOfAnEdid) {
   EXPECT_FALSE(ReadEdid(std::span(image).first<127>()).has_value());
 
   EdidImage spoilt = image;
+  spoilt[95] = 0xE9;  // the name's first letter is none that a text may hold
+  EXPECT_NO_THROW(EdidJson(*ReadEdid(spoilt)).dump());
+  spoilt = image;
   spoilt[130] ^= 0x80;
   EXPECT_EQ(FaultText(*ReadEdid(spoilt)), "the checksum of block 1 is wrong");
   spoilt[0] = 1;
   EXPECT_EQ(FaultText(*ReadEdid(spoilt)), "it doesn't begin as an EDID does");
-}
-
-// Any bytes at all are read without harm; what is said of them is text.
-TEST(VideoWords, AnyBytesAreRead) {
-  support::Random random(89);
-  for (int i = support::Rounds(5000); i > 0; --i) {
-    EdidImage image = Template(HDMI_4K1K);
-    for (int n = random(0, 255); n >= 0; --n) {
-      image[static_cast<std::size_t>(random(0, 255))] = static_cast<uint8_t>(random(0, 255));
-    }
-    const auto facts = ReadEdid(image);
-    ASSERT_FALSE(EdidRows(*facts).empty());
-    ASSERT_NO_THROW(EdidJson(*facts).dump(-1, ' ', true));
-  }
 }
 
 TEST(VideoWords, PicturesOfScalings) {
