@@ -1,9 +1,9 @@
 #include "device.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <thread>
+
+#include "access/work.h"
 
 namespace ctl {
 namespace {
@@ -13,10 +13,6 @@ using std::chrono::steady_clock;
 
 constexpr std::uint32_t kCells = CellRegister(0);
 constexpr auto kLook = std::chrono::milliseconds(20);
-
-// A byte of the screen parameters that nothing uses and nothing stores. A write to it goes through
-// the device's queue, so once it shows, all that was queued before is done.
-constexpr std::uint32_t kQueueMark = 0x0210001F;
 
 // A stretch of a page that one request reads. The image is read in two: one request over both would
 // make the daemon fetch the page from the FPGA, over values that only the daemon keeps.
@@ -106,22 +102,8 @@ Answer Device::Send(std::uint32_t address, std::vector<std::uint8_t> data) {
 }
 
 Answer Device::AwaitWork(std::chrono::milliseconds limit) {
-  Options patient = options_;
-  patient.timeout = limit;
-  const auto deadline = steady_clock::now() + limit;
-  Answer answer = ReadBytes(kQueueMark, 1);
-  if (answer.exit != Exit::kDone) return answer;
-  // Another byte than the present one, and mostly another than a second client's.
-  const auto mark = static_cast<std::uint8_t>(answer.data[0] + 1 + getpid() % 255);
-  answer = WriteRegister(patient, *client_, kQueueMark, {mark});
-  if (answer.exit != Exit::kDone) return answer;
-  while (true) {
-    answer = ReadBytes(kQueueMark, 1);
-    if (answer.exit != Exit::kDone || answer.data[0] == mark) return answer;
-    if (steady_clock::now() >= deadline) break;
-    std::this_thread::sleep_for(kLook);
-  }
-  return {Exit::kRefused, "the device has taken it and is still at work", {}};
+  const quivord::access::Registers sender(*client_, options_.target, limit);
+  return AnswerOf(quivord::access::AwaitWork(sender, limit));
 }
 
 Answer Device::ReadBehind(const quivord::Target& target, std::uint32_t address,

@@ -51,7 +51,7 @@ def test_the_screen_is_dimmed_in_the_evening(board, device):
     device.brightness.plan(
         {"kind": "list", "nodes": [{"time": f"{evening:%H:%M}", "brightness": "20%", "ports": [0, 1]}]}
     )
-    board.clock.shift((evening - device.clock).total_seconds() - 20)
+    board.clock.shift((evening - device.clock).total_seconds() - 60)  # a minute is three seconds here
     board.until(lambda: all(card.brightness == 51 for card in board.cards()))
 
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <thread>
 
+#include "access/work.h"
 #include "process/calc_time.h"
 #include "proto/calc_feature.h"
 
@@ -81,7 +82,9 @@ Outcome BrightnessDevice::WriteTable(const Bytes& bytes, const Progress& progres
     written = WritePieces(stored, progress);
     if (written) written = Write(0, {bytes[0]});
   }
-  return written ? Await(bytes) : written;
+  if (written) written = Await(bytes);
+  // The first bytes are read from memory, where they show before they are stored.
+  return written ? AwaitWork(registers_, kPatience) : written;
 }
 
 Outcome BrightnessDevice::Await(const Bytes& bytes) {

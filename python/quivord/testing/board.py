@@ -106,7 +106,8 @@ class Board:
     def await_start(self, number: int, timeout: float = _LIMIT) -> None:
         """Waits until the daemon has become ready for the `number`-th time since `start`.
 
-        It starts again by itself after a reboot and after a power cut (`fault("flash-cut", n)`).
+        Ready is once it has restored the FPGA; a stored brightness plan is loaded a moment later, by the first
+        pass of its loop. It starts again by itself after a reboot and a power cut (`fault("flash-cut", n)`).
         """
         runner = self._running()
         if not runner.await_start(number, timeout):
