@@ -1,9 +1,9 @@
-// A line of the board's trace that tells of the message bus. Pure; any thread.
+// A line of the board's trace that tells of the message bus, as far as its log shows it. Pure; any
+// thread.
 #pragma once
 
 #include <cstdint>
 #include <optional>
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -21,9 +21,5 @@ struct BusLine {
 
 // Nothing for a line of another kind, or one that isn't as it should be.
 std::optional<BusLine> ReadBusLine(std::string_view line);
-
-// "output = open", "the position tables, 1024 bytes": what a request or a report is about. `data`
-// are the bytes that it brings, if any.
-std::string SubjectText(const ZEPH_MCUC::FrameHead& head, std::span<const std::uint8_t> data);
 
 }  // namespace quivord::live

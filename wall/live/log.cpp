@@ -1,31 +1,17 @@
 #include "live/log.h"
 
 #include <algorithm>
-#include <cstdio>
 
 #include "proto/calc_feature_words.h"
 #include "quivord/messages.h"
+#include "trace/subject.h"
 
 namespace quivord::live {
 namespace {
 
 using namespace ZEPH_MCUC;
-
-std::string PeerText(std::uint32_t peer) {
-  constexpr std::uint32_t kNumber = 0xFFFFFF;
-  switch (peer & kNumber) {
-    case task::kOwd:
-      return "owd";
-    case task::kKye:
-      return "kye";
-    case task::kMoirad:
-      return "moirad";
-    default:
-      char text[16];
-      std::snprintf(text, sizeof text, "0x%06X", peer & kNumber);
-      return text;
-  }
-}
+using trace::PeerText;
+using trace::SubjectText;
 
 std::string ReportWords(const BusLine& line) {
   const std::string words = line.head.deviceType == JSHL_TypeSender
