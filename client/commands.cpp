@@ -29,6 +29,8 @@ std::span<const Command* const> Commands() {
       &kReloadCommand,
       &kResetCommand,
       &kMonitorCommand,
+      &kRecordCommand,
+      &kReplayCommand,
       &kStoreCommand,
       &kReadCommand,
       &kWriteCommand,

@@ -36,6 +36,8 @@ extern const Command kPictureCommand;
 extern const Command kGammaCommand;
 extern const Command kPatternCommand;
 extern const Command kWarmupCommand;
+extern const Command kRecordCommand;
+extern const Command kReplayCommand;
 
 // In the order in which help lists them.
 std::span<const Command* const> Commands();
