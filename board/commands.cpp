@@ -15,6 +15,7 @@
 #include "board/power.h"
 #include "board/stores.h"
 #include "board/text.h"
+#include "capture.h"
 #include "fleet.h"
 #include "run.h"
 #include "status.h"
@@ -41,6 +42,8 @@ struct Words {
   std::string address, length = "1", name, number, state;
   std::vector<std::string> bytes;
   bool list = false;
+  std::string file;
+  bool once = false;
 };
 
 std::uint32_t Number(const std::string& text, std::uint32_t least, std::uint32_t most,
@@ -257,6 +260,19 @@ void AddLifeCommands(Commands& commands, const std::vector<std::string>& daemon_
                           PowerUpBoard));
 }
 
+void AddCapture(Commands& commands, int& status) {
+  Words& words = commands.words();
+  auto* const capture =
+      commands.Add("capture", "Write bus traffic as pcapng, until Ctrl-C", [&](const Words& w) {
+        UseBoard(w);
+        status = Capture(w.file, w.once);
+      });
+  capture->add_option("FILE", words.file, "File to write, - for standard output")->required();
+  capture->add_option("DIR", words.folder, "Board folder");
+  capture->add_flag("--once", words.once, "Write what the trace has already, and end");
+  capture->footer("Taken from the board's trace, whose 'trace' in board.conf has to name bus.");
+}
+
 void AddCellCommands(Commands& commands) {
   Words& words = commands.words();
   auto* const peek = commands.AddOnBoard("peek", "Show FPGA cells", Peek);
@@ -295,6 +311,7 @@ void AddWorldCommands(Commands& commands) {
 void AddCommands(CLI::App& app, const std::vector<std::string>& daemon_options, int& status) {
   Commands commands(app, status);
   AddLifeCommands(commands, daemon_options, status);
+  AddCapture(commands, status);
   AddCellCommands(commands);
   AddWorldCommands(commands);
 }

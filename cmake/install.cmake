@@ -10,6 +10,7 @@ if(QUIVORD_TOOLS)
   install(DIRECTORY client/include/quivord DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
   install(FILES src/stub/mcucmessagestruct_layout.h
           DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/quivord/stub)
+  install(FILES tools/wireshark/quivord.lua DESTINATION ${CMAKE_INSTALL_DATADIR}/quivord/wireshark)
   configure_file(packaging/quivord.pc.in ${CMAKE_BINARY_DIR}/quivord.pc @ONLY)
   install(FILES ${CMAKE_BINARY_DIR}/quivord.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 endif()

@@ -94,7 +94,7 @@ class Session:
 
     def __init__(self, build):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="quivord-docs-"))
-        for name in ("examples", "scripts", "docs", "python"):
+        for name in ("examples", "scripts", "docs", "python", "tools"):
             if (ROOT / name).exists():
                 shutil.copytree(ROOT / name, self.folder / name)
         (self.folder / "build").mkdir()

@@ -29,4 +29,13 @@ TEST(Docs, BoardPageHasTheFactoryStore) {
   EXPECT_NE(page.find(block), page.npos) << "docs/board.md: run scripts/docs";
 }
 
+TEST(Docs, DissectorHasTheNames) {
+  const std::string file =
+      board::ReadWhole(support::Source("tools/wireshark/quivord.lua")).value_or("");
+  const auto begin = file.find("local NAMES = {");
+  ASSERT_NE(begin, file.npos);
+  EXPECT_TRUE(file.substr(begin, file.find("-- end of names") - begin) == Printed({"--lua"}))
+      << "tools/wireshark/quivord.lua: run scripts/docs";
+}
+
 }  // namespace

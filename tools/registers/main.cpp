@@ -1,5 +1,5 @@
-// quivord-registers: prints docs/registers.md, or the table of a new factory store in
-// docs/board.md, from the tables that the daemon and the board work with.
+// quivord-registers: prints docs/registers.md, the table of a new factory store in docs/board.md,
+// or the names in wireshark/quivord.lua, from the tables that the daemon and the board work with.
 #include <cstdio>
 #include <string_view>
 
@@ -66,8 +66,10 @@ int main(int argc, char** argv) {
     std::fputs(RegistersPage().c_str(), stdout);
   } else if (option == "--factory-store") {
     std::fputs(FactoryPart().c_str(), stdout);
+  } else if (option == "--lua") {
+    std::fputs(LuaPart().c_str(), stdout);
   } else {
-    std::fputs("usage: quivord-registers [--factory-store]\n", stderr);
+    std::fputs("usage: quivord-registers [--factory-store | --lua]\n", stderr);
     return 2;
   }
   return 0;

@@ -12,4 +12,7 @@ std::string ReportsPart();   // what the daemon sends unasked
 std::string FlashPart();     // the map of the flash store
 std::string FactoryPart();   // what a new factory store holds
 
+// The names that the dissector in wireshark/ shows, as a table in Lua.
+std::string LuaPart();
+
 }  // namespace registers
