@@ -24,7 +24,7 @@ STORED = {  # target: the address and length of its pieces, and how much of them
     "identity": ([(0x1000, 0x100), (0xA01000, 0x100)], 512),
     "storedfiles": ([(0xE00000, 0x4000)], 8192),
 }
-EXAMPLES = {"brightness-": 0, "wall-": 1, "card-file": 2, "gamma-": 3}
+EXAMPLES = {"brightness-": 0, "wall-": 1, "card-file": 2, "gamma-": 3, "demo": 4}
 
 
 def keep(target, content):
