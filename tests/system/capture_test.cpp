@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
 
 #include "pcapng.h"
 #include "stub/frame_layout.h"
@@ -96,7 +97,7 @@ TEST_F(Capture, WhatIsMissingIsNeverRead) {
   for (const Bytes& inner : {frame, enveloped}) {
     const bool has_envelope = inner.size() != frame.size();
     Bytes packet = {1, static_cast<std::uint8_t>(has_envelope ? 2 : 0), 0, 0, 1, 0, 0x7F, 0};
-    packet.insert(packet.end(), inner.begin(), inner.end());
+    std::copy(inner.begin(), inner.end(), std::back_inserter(packet));
     for (std::size_t size = 0; size <= packet.size(); ++size) {
       packets.emplace_back(packet.begin(), packet.begin() + static_cast<std::ptrdiff_t>(size));
     }

@@ -92,8 +92,9 @@ TEST_F(CtlColour, SettingsKeepWhatIsNotGiven) {
   EXPECT_EQ(Out({"picture"}), "saturation 0, contrast 0, hue 0");
 
   EXPECT_EQ(Out({"warmup"}), "no warm-up is set");
-  EXPECT_EQ(support::Ctl({"warmup", "--mode", "1"}).status, 2);  // the time would be anything
-  Out({"warmup", "--mode", "1", "--time", "60"});
+  EXPECT_EQ(support::Ctl({"warmup", "set", "--mode", "1"}).status,
+            2);  // the time would be anything
+  Out({"warmup", "set", "--mode", "1", "--time", "60"});
   Restart();
   Out({"warmup", "set", "--time", "70"});
   EXPECT_EQ(Json({"warmup"}), (json{{"mode", 1}, {"time", 70}}));
