@@ -166,7 +166,7 @@ Exit Get(const Context& context, const Words& words) {
   file.write(reinterpret_cast<const char*>(bytes->data()),
              static_cast<std::streamsize>(bytes->size()));
   if (!file.flush()) {
-    return context.Fail(Exit::kRefused, "cannot write " + words.file);
+    return context.Fail(Exit::kWrongUse, words.file + " can't be written");
   }
   object["file"] = words.file;
   context.out.Show(Count(place.length) + " from " + AddressText(place.address) + " (" +

@@ -28,7 +28,8 @@ Exit Context::Fail(const quivord::Error& error) const {
 }
 
 Exit Context::Fail(Exit exit, const std::string& text) const {
-  out.Fault(text, static_cast<int>(exit));
+  const char* const next = exit == Exit::kNoAnswer ? "; 'quivordctl doctor' looks why" : "";
+  out.Fault(text + next, static_cast<int>(exit));
   return exit;
 }
 

@@ -25,7 +25,7 @@ Exit Pack(const Context& context, const Words& words) {
   std::ofstream file(words.file, std::ios::binary);
   file.write(reinterpret_cast<const char*>(bytes.value().data()),
              static_cast<std::streamsize>(bytes.value().size()));
-  if (!file.flush()) return context.Fail(Exit::kRefused, "cannot write " + words.file);
+  if (!file.flush()) return context.Fail(Exit::kWrongUse, words.file + " can't be written");
   const auto verdict = cardfiles::Check(bytes.value());
   context.out.Show(words.file + ": " + CountText(verdict.packs, "pack") + ", " +
                        CountText(bytes.value().size(), "byte") + ", sent in " +
