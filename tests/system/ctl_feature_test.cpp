@@ -125,7 +125,6 @@ TEST_F(CtlFeature, RefusesWhatCannotBe) {
       feature set hdr loaded          | 1 | daemon alone
       feature get colour              | 2 | feature show
       feature set role                | 2 | VALUE is required; see quivordctl feature set --help
-      feature                         | 2 | subcommand is required
       output ajar                     | 2 | see quivordctl output --help
       time set 2027-02-29T12:00:00    | 2 | no value of time
       time set 2026-07-03T12:00:00Z   | 2 | no value of time

@@ -128,8 +128,7 @@ stop
 )",
      "brightness: 0\ntime: 0\nbrightness: 0\ntime: 0\nbrightness: 0\ntime: 0\nbrightness: 0\n"
      "time: 0\nbrightness: 0\ntime: 0\n"},
-}
-;
+};
 
 class Troubles : public testing::TestWithParam<Trouble> {};
 

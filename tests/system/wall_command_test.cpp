@@ -106,7 +106,6 @@ TEST_F(WallCommand, RefusesInWords) {
     const auto run = support::ExpectCtl(row, {"--json", "wall"});
     EXPECT_EQ(std::to_string(json::parse(run.out, nullptr, false)["status"].get<int>()), row[1]);
   }
-  support::ExpectCtl({"", "2", "subcommand"}, {"wall"});
   daemon_.reset();
   EXPECT_EQ(support::Ctl({"wall", "show"}).status, 3);
 }
