@@ -10,7 +10,7 @@ namespace {
 using namespace std::chrono_literals;
 
 // No report for so long: the daemon has said what it had to. It waits a second with some.
-constexpr auto kQuiet = 1500ms;
+constexpr auto kQuiet = 2s;
 constexpr auto kLinger = 500ms;     // for reports that the recording doesn't have
 constexpr auto kLongGreeting = 5s;  // then the recording begins though reports still come
 constexpr auto kAskAgain = 20ms;    // between two reads of the same

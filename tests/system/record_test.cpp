@@ -66,8 +66,7 @@ TEST(Replay, AChangedByteIsReported) {
   text.replace(at, open.size(), "de0100f001005b");
   board_kit::Put("changed.rec", text);
   const std::string file = board_kit::Named() / "changed.rec";
-  const auto run =
-      Ctl({"--json", "replay", file, "--compare", "--speed", "fast", "--patience", "3"});
+  const auto run = Ctl({"--json", "replay", file, "--compare", "--patience", "3"});
   EXPECT_EQ(run.status, 1) << run.out << run.err;
   const auto told = nlohmann::json::parse(run.out, nullptr, false);
   EXPECT_EQ(told["same"], false);
