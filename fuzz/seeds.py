@@ -23,6 +23,7 @@ STORED = {  # target: the address and length of its pieces, and how much of them
     "gamma": ([(0xD00000, 4), (0xD01000, 4), (0xD02000, 4), (0xC21000, 0x200)], 524),
     "identity": ([(0x1000, 0x100), (0xA01000, 0x100)], 512),
     "storedfiles": ([(0xE00000, 0x4000)], 8192),
+    "plans": ([(0xB8B000, 0x1400)], 1024),
 }
 EXAMPLES = {"brightness-": 0, "wall-": 1, "card-file": 2, "gamma-": 3, "demo": 4}
 

@@ -6,6 +6,8 @@
 #include <string_view>
 
 #include "process/inputSource.h"
+#include "process/proc_poll.h"
+#include "proto/addr_hardwarebrightnessadjust.h"
 #include "proto/calc_flashmap.h"
 #include "proto/data_common.h"
 #include "support/inprocess.h"
@@ -81,6 +83,16 @@ void ReadCardFiles() {
   for (const char* number : {"00", "01", "0f"}) Write(0x0FF00100, number);
 }
 
+// Brightness plans, as a start finds them and as some seconds go on; the mix switched off and on.
+void ReadPlans() {
+  Addr_HardWareBrightnessAdjust::UpdataBrightnessPara();
+  for (const char* on : {"00", "01"}) {
+    for (int pass = 0; pass < 25; ++pass) Proc_Poll::AutoBrightnessadjust();
+    inprocess::Read(0x0A000000, 512);
+    Write(0x0A00000C, on);
+  }
+}
+
 constexpr Format kFormats[] = {
     {"image",
      {{flash::kFeature, 512},
@@ -100,6 +112,7 @@ constexpr Format kFormats[] = {
      ReadGamma},
     {"identity", {{flash::kBasicInfo, 0x100}, {flash::kBasicInfoCopy, 0x100}}, ReadIdentity},
     {"storedfiles", {{flash::kCardFiles, 0x4000}}, ReadCardFiles},
+    {"plans", {{flash::kBrightness, 0x1400}}, ReadPlans},
 };
 
 constexpr const Format& Chosen() {

@@ -1,6 +1,5 @@
 #include "world.h"
 
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -12,7 +11,6 @@
 #include <vector>
 
 #include "board/board.h"
-#include "board/stores.h"
 #include "mcuctrace.h"
 #include "stub/startup.h"
 #include "support/inprocess.h"
@@ -68,11 +66,6 @@ McuQMBThread& Front() {
   return *front;
 }
 
-int LiveStore() {
-  static const int file = open(board::StorePath(board::Store::kLive).c_str(), O_RDWR | O_CLOEXEC);
-  return file;
-}
-
 }  // namespace
 
 void Start() {
@@ -80,7 +73,6 @@ void Start() {
     setenv("QUIVORD_BOARD", MakeFolder().c_str(), 1);
     setenv("TZ", "UTC", 1);
     g_logLevel = kLogNothing;
-    board::CreateStores();
     inprocess::Start();
     return true;
   }();
@@ -100,18 +92,6 @@ int Deliver(Bytes frame) {
   g_sent = 0;
   Front().dealDataBlockNew(&head, &label, bytes.data());
   return g_sent;
-}
-
-void PutStore(std::uint32_t address, Bytes bytes) {
-  Start();
-  Want(pwrite(LiveStore(), bytes.data(), bytes.size(), address) ==
-       static_cast<ssize_t>(bytes.size()));
-}
-
-void ResetStore(std::uint32_t address, std::size_t length) {
-  Start();
-  static const std::string fresh = board::FactoryImage();
-  PutStore(address, {reinterpret_cast<const std::uint8_t*>(fresh.data()) + address, length});
 }
 
 void PutEnvironment(Bytes text) {

@@ -6,11 +6,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 
 namespace board {
 namespace {
@@ -41,10 +40,21 @@ FileHandle LockFolder(const std::filesystem::path& folder) {
 }
 
 std::optional<std::string> ReadWhole(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  if (!file) return std::nullopt;
-  std::string text{std::istreambuf_iterator<char>(file), {}};
-  if (file.bad()) return std::nullopt;
+  const FileHandle file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  struct stat status {};
+  if (!file || fstat(file.get(), &status) != 0) return std::nullopt;
+  std::string text;
+  std::size_t size = 0;
+  while (true) {
+    // One byte more than the file says that it has shows its end; some say 0 and have more.
+    text.resize(std::max(static_cast<std::size_t>(status.st_size), size + kSmall) + 1);
+    const auto got = read(file.get(), text.data() + size, text.size() - size);
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) return std::nullopt;
+    if (got == 0) break;
+    size += static_cast<std::size_t>(got);
+  }
+  text.resize(size);
   return text;
 }
 
