@@ -29,10 +29,10 @@ void SetConfigStatus(uint8_t status) {
 
 // A layout ends a role that a client gave: the device is normal again.
 void EndRole() {
-  constexpr uint8_t kNoRole = 0xFF;
   Data_Global* global = Data_Global::getInstance();
-  global->SendParameterReg[feature::kRole] = kNoRole;
-  DriverUtil::getInstance()->WriteDataToFlash(flash::kFeature + feature::kRole, 1, &kNoRole);
+  global->EndRole();
+  DriverUtil::getInstance()->WriteDataToFlash(flash::kFeature + feature::kRole, 1,
+                                              &feature::kNoRole);
   global->NormalBackupStatus = 1;
 }
 

@@ -22,8 +22,14 @@ int Tprocess::Sprocess_SaveSendCardPara(int /*lenth*/, char* data) {
 }
 
 int Tprocess::Sprocess_ReloadSendCardProgram(int /*lenth*/, char* data) {
-  return RunHandler("Sprocess_ReloadSendCardProgram", data,
-                    [] { Data_Global::getInstance()->RestoreFPGA(); });
+  return RunHandler("Sprocess_ReloadSendCardProgram", data, [] {
+    Data_Global* global = Data_Global::getInstance();
+    if (global->RebootRF != EN_NOT_REBOOT) {  // a restore would forget the reset
+      MCUC_LOG(kLogError, "=== Sprocess_ReloadSendCardProgram ===a reset is under way, return.");
+      return;
+    }
+    global->RestoreFPGA();
+  });
 }
 
 }  // namespace ZEPH_MCUC

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "driverutil.h"
+#include "mcucstdout.h"
 #include "mcuctrace.h"
 #include "proto/calc_porttables.h"
 
@@ -65,9 +66,10 @@ void RunPass(SpeedTest kind, const Texts& texts, std::vector<uint8_t>* buffer) {
   const double elapsed_ms = Milliseconds() - start_ms;
   const double kilobytes =
       static_cast<double>(kTransfers) * static_cast<double>(buffer->size()) / 1024;
-  std::printf(texts.speed, static_cast<int>(kTransfers),
-              elapsed_ms > 0 ? kilobytes / elapsed_ms : 0.0, elapsed_ms / 1000);
-  std::fflush(stdout);
+  char line[160];
+  std::snprintf(line, sizeof(line), texts.speed, static_cast<int>(kTransfers),
+                elapsed_ms > 0 ? kilobytes / elapsed_ms : 0.0, elapsed_ms / 1000);
+  SayOnStandardOutput(line);
 }
 
 }  // namespace

@@ -63,6 +63,7 @@ inline constexpr uint32_t kFiberRedundancy = 0x1F6;  // six bytes, one a group o
 inline constexpr uint8_t kOutputOpen = 0x5A;
 inline constexpr uint8_t kBypassOn = 0xA5;  // what a client writes to switch bypass on
 inline constexpr uint8_t kRoleSlave = 0xA5;
+inline constexpr uint8_t kNoRole = 0xFF;
 inline constexpr uint8_t kRoleBackup = 0x5A;  // counts as a role at boot
 inline constexpr uint8_t k3DOff = 0x28;
 inline constexpr uint8_t kPortBackup = 0x80;

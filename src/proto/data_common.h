@@ -95,6 +95,9 @@ class Data_Global : public Singleton<Data_Global> {
   // bytes alone, since the FPGA doesn't hold them yet, or never does. Work thread.
   void BeginFeatureWrite(uint32_t offset, std::span<const uint8_t> bytes);
   void EndFeatureWrite();
+  // Takes the device's role back, in the image alone. A refresh leaves that so until the FPGA is
+  // given a role, by a block of the image or by a client.
+  void EndRole();
   // Fills the image from what was stored. With the FPGA online the image is ahead of the FPGA from
   // here on until a block of it has gone there: a refresh in between reads and takes nothing.
   void LoadFeatureImage(std::span<const uint8_t, 512> image);
@@ -253,10 +256,14 @@ class Data_Global : public Singleton<Data_Global> {
   // Sends `length` bytes of the image, 472 at most, from 0x18 on. 0, or -1.
   int32_t SendImageBlock(uint32_t length) MCUC_REQUIRES(m_featureBus);
 
+  // Whether a refresh leaves byte `at` of the image as it is.
+  bool StaysInRefresh(uint32_t at) const MCUC_REQUIRES(m_featureBus);
+
   // Orders what takes the feature image from the FPGA with what gives it to the FPGA, so that a
   // refresh never undoes a write that is on its way. Held for one bus transfer at a time.
   CMutexThread m_featureBus;
   bool m_imageAhead MCUC_GUARDED_BY(m_featureBus) = false;  // see `LoadFeatureImage`
+  bool m_roleAhead MCUC_GUARDED_BY(m_featureBus) = false;   // see `EndRole`
   uint32_t m_writeBegin MCUC_GUARDED_BY(m_featureBus) = 0;  // see `BeginFeatureWrite`
   uint32_t m_writeEnd MCUC_GUARDED_BY(m_featureBus) = 0;
 };

@@ -82,7 +82,9 @@ bool CommitPositions(const MosaicPlan& plan) {
     MCUC_LOG(kLogError, "ERROR:$$PortsTopoPara$$ out of memory!!!");
     return false;
   }
-  MCUC_LOG(kLogInfo, "cacl 0x3000000 0x0" << CTrace::hex << plan.usedPorts << " end");
+  if (plan.usedPorts <= kTablePorts) {
+    MCUC_LOG(kLogInfo, "cacl 0x3000000 0x0" << "0123456789A"[plan.usedPorts] << " end");
+  }
   SendPositions(tables, 0);
   return true;
 }
@@ -127,7 +129,7 @@ void Data_Global::CalculateParaOfSenderInMosaicMode(const SmartConfig& config) {
 int32_t Data_Global::AdvCalcParaOfSenderInMosaicMode(const AdvancedPorts& ports) {
   if (!WithinLimits(ports)) {
     MCUC_LOG(kLogError, "=== AdvCalcParaOfSenderInMosaicMode ===PortParaInvalid: total card num = "
-                            << Cabinets(ports) << " " << kMostCabinetsOfPorts);
+                            << Cabinets(ports) << " " << MostCabinets(ports));
     return kTooManyCabinets;
   }
   GetRecvCardSize_EnvNew();  // without an answer the size known before serves

@@ -125,8 +125,13 @@ void Data_Global::DebugForScreenZero(uint16_t use_point, uint32_t addrs, const c
 int32_t Data_Global::WriteFeatureBus(uint32_t offset, std::span<const uint8_t> bytes) {
   const CMutexGuardT guard(m_featureBus);
   SendParameterReg.write(offset, bytes);
-  return DriverUtil::getInstance()->WriteFPGABusBlock(offset, bytes.data(),
-                                                      static_cast<uint32_t>(bytes.size()));
+  const auto length = static_cast<uint32_t>(bytes.size());
+  if (offset <= feature::kRole && feature::kRole < offset + length) m_roleAhead = false;
+  return DriverUtil::getInstance()->WriteFPGABusBlock(offset, bytes.data(), length);
+}
+
+bool Data_Global::StaysInRefresh(uint32_t at) const {
+  return (at >= m_writeBegin && at < m_writeEnd) || (m_roleAhead && at == feature::kRole);
 }
 
 int32_t Data_Global::RefreshFromFeatureBus(uint32_t offset, uint32_t length) {
@@ -137,7 +142,7 @@ int32_t Data_Global::RefreshFromFeatureBus(uint32_t offset, uint32_t length) {
   if (result < 0 || m_imageAhead) return result;
   for (uint32_t i = 0; i < length; ++i) {
     const uint32_t at = offset + i;
-    if (at < m_writeBegin || at >= m_writeEnd) SendParameterReg[at] = bytes[i];
+    if (!StaysInRefresh(at)) SendParameterReg[at] = bytes[i];
   }
   return result;
 }
@@ -154,10 +159,17 @@ void Data_Global::EndFeatureWrite() {
   m_writeBegin = m_writeEnd = 0;
 }
 
+void Data_Global::EndRole() {
+  const CMutexGuardT guard(m_featureBus);
+  SendParameterReg[feature::kRole] = feature::kNoRole;
+  m_roleAhead = true;
+}
+
 void Data_Global::LoadFeatureImage(std::span<const uint8_t, feature::kSize> image) {
   const CMutexGuardT guard(m_featureBus);
   SendParameterReg.write(0, image);
   m_imageAhead = FpgaOnlineFlag == 1;
+  m_roleAhead = false;
 }
 
 int32_t Data_Global::SendFeatureImage() {
@@ -169,6 +181,7 @@ int32_t Data_Global::SendImageBlock(uint32_t length) {
   const auto bytes =
       SendParameterReg.snapshot<feature::kBusEnd - feature::kBusPage>(feature::kBusPage);
   m_imageAhead = false;
+  m_roleAhead = false;
   return DriverUtil::getInstance()->WriteFPGABusBlock(feature::kBusPage, bytes.data(), length);
 }
 

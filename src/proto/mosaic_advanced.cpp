@@ -29,10 +29,12 @@ uint32_t Cabinets(const AdvancedPorts& ports) {
   return all;
 }
 
+uint32_t MostCabinets(const AdvancedPorts& ports) {
+  return std::ranges::max(ports, {}, &AdvancedPort::cabinets).cabinets();
+}
+
 bool WithinLimits(const AdvancedPorts& ports) {
-  return Cabinets(ports) <= kMostCabinetsOfPorts &&
-         std::ranges::all_of(
-             ports, [](const auto& port) { return port.cabinets() <= kMostCabinetsOfPort; });
+  return Cabinets(ports) <= kMostCabinetsOfPorts && MostCabinets(ports) <= kMostCabinetsOfPort;
 }
 
 Extent ScreenOfPorts(const AdvancedPorts& ports, CardSize card) {

@@ -39,7 +39,8 @@ AdvancedPort ReadAdvancedPort(PortRecordBytes record);
 
 // Whether no port, and not all together, carry too many cabinets.
 bool WithinLimits(const AdvancedPorts& ports);
-uint32_t Cabinets(const AdvancedPorts& ports);  // of all ports
+uint32_t Cabinets(const AdvancedPorts& ports);      // of all ports
+uint32_t MostCabinets(const AdvancedPorts& ports);  // of the port that carries most
 
 // What encloses all windows, from the screen's origin, in pixels. Not cut to 16 bits.
 struct Extent {

@@ -30,6 +30,15 @@ void OfGlobal() {
   (Global().*Operation)();
 }
 
+// A reset that was asked for while the FPGA loaded comes before the restore, which would forget it
+// and take this start for the one behind it. It ends in the reboot.
+void FinishReset() {
+  while (Global().RebootRF != EN_NOT_REBOOT) {
+    Tprocess_ctl::getInstance()->RebootAfterRF();
+    platform::SleepMicroseconds(kPass_us);
+  }
+}
+
 }  // namespace
 
 int McuQMBThread::CheckFPGAOnline() {
@@ -47,6 +56,7 @@ void McuQMBThread::FlagMsg() {
   }
   MCUC_LOG(kLogError, "----------------- receive file /etc/init.d/flag_fpgaload.");
   Global().FpgaOnlineFlag = 1;
+  FinishReset();
   Global().RestoreFPGA();
   Global().SendFlag_quivordload();
   while (!m_bExitFlagThread) {
