@@ -108,18 +108,12 @@ std::size_t StripeOfPort(const MosaicPlan& plan, std::size_t port) {
   return Cycles(plan) ? port % plan.usedPorts : 0;
 }
 
-std::size_t PositionBytes(const MosaicPlan& plan, std::size_t port) {
-  if (!plan.valid || port >= kTablePorts) return 0;
-  if (port >= plan.usedPorts) return kPositionBlock;
-  if (!IsConnectionMode(plan.cable.mode)) return 0;
-  return FilledBytes(CableOfStripe(plan, port).cards());
-}
-
 void FillPositionTables(const MosaicPlan& plan, std::span<uint8_t, kPositionSize> tables) {
+  if (!plan.valid) return;
   for (std::size_t port = 0; port < kTablePorts; ++port) {
     uint8_t* const table = tables.data() + port * kPositionBlock;
-    if (PositionBytes(plan, port) == 0) continue;
     if (port < plan.usedPorts) {
+      if (!IsConnectionMode(plan.cable.mode)) continue;
       FillPositionTable(CableOfStripe(plan, port), PositionBlock(table, kPositionBlock));
     } else {
       std::memcpy(table, tables.data() + StripeOfPort(plan, port) * kPositionBlock, kPositionBlock);

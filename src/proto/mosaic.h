@@ -73,13 +73,9 @@ MosaicPlan PlanMosaic(const MosaicInput& input);
 // The stripe that `port`, 0 to 9, shows; 0 where the ten ports don't hold all stripes.
 std::size_t StripeOfPort(const MosaicPlan& plan, std::size_t port);
 
-// How many bytes from the front of the table of `port`, 0 to 9, belong to the plan; what lies
-// behind them stays as it was. A port that repeats another takes its whole table, whatever it
-// holds.
-std::size_t PositionBytes(const MosaicPlan& plan, std::size_t port);
-
-// Brings `tables`, the present ones of all ten ports, up to the plan: writes `PositionBytes` bytes
-// of each port and leaves the others alone. An invalid plan changes nothing.
+// Brings `tables`, the present ones of all ten ports, up to the plan. A port with a stripe of its
+// own takes its list of cards as often as it fits whole, and what lies behind stays; a port that
+// repeats another takes its whole table, whatever it holds. An invalid plan changes nothing.
 void FillPositionTables(const MosaicPlan& plan, std::span<uint8_t, kPositionSize> tables);
 
 // The head of the screen parameters as a calculation leaves it. A layout that isn't one of rows,

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "support/board_kit.h"
+#include "support/rows.h"
 #include "support/run.h"
 
 namespace support {
@@ -29,6 +31,22 @@ inline std::string CtlOut(const Words& words) {
 inline nlohmann::json CtlJson(Words words) {
   words.insert(words.begin(), "--json");
   return nlohmann::json::parse(CtlOut(words), nullptr, false);
+}
+
+// Runs a row of `Rows`: the words, the exit status, and what is said on either output. A word's "%"
+// stands for the board's folder; `front` comes first.
+inline RunResult ExpectCtl(std::vector<std::string> row, Words words = {}) {
+  row.resize(3);
+  for (std::string word : WordsOf(row[0])) {
+    const std::size_t folder = word.find('%');
+    if (folder != word.npos) word.replace(folder, 1, board_kit::Named().string());
+    words.push_back(word);
+  }
+  const RunResult run = Ctl(words);
+  EXPECT_EQ(std::to_string(run.status), row[1]) << row[0] << ": " << run.err;
+  EXPECT_NE((run.out + run.err).find(row[2]), std::string::npos) << row[2] << " is not in\n"
+                                                                 << run.out << run.err;
+  return run;
 }
 
 }  // namespace support

@@ -82,6 +82,13 @@ std::string Trace::Take() {
   return text;
 }
 
+std::string Trace::TakeLine() {
+  std::string lines = Take();
+  if (lines.ends_with('\n')) lines.pop_back();
+  for (std::size_t at; (at = lines.find('\n')) != lines.npos;) lines.replace(at, 1, "; ");
+  return lines;
+}
+
 int Count(const std::string& lines, const std::string& start) {
   std::istringstream text(lines);
   int count = 0;

@@ -23,6 +23,8 @@ class Trace {
 
   // The lines since the last call, each closed by a line feed.
   std::string Take();
+  // The same in one line, parted by "; ".
+  std::string TakeLine();
 
  private:
   std::size_t seen_;  // lines

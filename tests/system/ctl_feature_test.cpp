@@ -6,14 +6,12 @@
 #include <unistd.h>
 
 #include <csignal>
-#include <nlohmann/json.hpp>
 #include <thread>
 
-#include "board/cells.h"
 #include "board/files.h"
 #include "support/board_kit.h"
+#include "support/ctl.h"
 #include "support/daemon.h"
-#include "support/run.h"
 
 namespace {
 
@@ -21,33 +19,11 @@ using board_kit::Configure;
 using board_kit::Named;
 using board_kit::RunTool;
 using support::Built;
+using support::Ctl;
+using support::CtlJson;
+using support::CtlOut;
 using support::RunResult;
-using Words = std::vector<std::string>;
 using namespace std::chrono_literals;
-
-RunResult Ctl(const Words& words) {
-  Words command = {Built("quivordctl")};
-  command.insert(command.end(), words.begin(), words.end());
-  return support::Run(command);
-}
-
-// What a command prints, without the last line feed.
-std::string Out(const Words& words) {
-  const RunResult run = Ctl(words);
-  EXPECT_EQ(run.status, 0) << run.err;
-  return run.out.substr(0, run.out.find_last_not_of('\n') + 1);
-}
-
-nlohmann::json Json(Words words) {
-  words.insert(words.begin(), "--json");
-  return nlohmann::json::parse(Out(words), nullptr, false);
-}
-
-int Cell(std::uint32_t address) {
-  std::uint8_t cell = 0;
-  board::LoadCells(1, address, 1, &cell);
-  return cell;
-}
 
 template <class Condition>
 bool Comes(Condition condition) {
@@ -75,119 +51,96 @@ class CtlFeature : public testing::Test {
         Comes([&] { return daemon_->OutputText().find("load flag") != std::string::npos; }));
   }
 
-  void Stop() { daemon_.reset(); }
-
   void StartLoaded() {
     Start();
     Load();
   }
 
- private:
   std::optional<support::Daemon> daemon_;
 };
 
 TEST_F(CtlFeature, SettersReadBackUntilTheValueShows) {
   StartLoaded();
-  const struct {
-    Words words;
-    const char* out;
-  } cases[] = {
-      {{"output", "show"}, "output is closed"},
-      {{"output", "open"}, "output is open (was closed)"},
-      {{"output", "show"}, "output is open"},
-      {{"output", "open"}, "output is open"},
-      {{"feature", "get", "output"}, "open"},
-      {{"output", "close"}, "output is closed (was open)"},
-      {{"feature", "set", "offset-x", "0x64"}, "offset-x is 100 px (was 0 px)"},
-      {{"feature", "get", "offset-x"}, "100"},
-      {{"feature", "set", "uart-overtime", "60"}, "uart-overtime is 60 s (was 40 s)"},
-      {{"feature", "show"}, nullptr},  // which leaves what only the daemon keeps as it is
-      {{"feature", "get", "uart-overtime"}, "60"},
-      {{"feature", "set", "role", "slave"}, "role is slave (was master)"},
-      {{"feature", "get", "port-9-role"}, "backup"},
-      {{"feature", "set", "bypass", "on"}, "bypass is on (was off)"},
-      {{"feature", "set", "bypass-offset", "-50,20"}, "bypass-offset is -50,20 px (was 0,0 px)"},
-      {{"feature", "get", "bypass"}, "service"},
-      {{"feature", "get", "screen-width"}, "178"},  // the picture's 128 and the offset
-      {{"feature", "set", "bypass", "off"}, "bypass is off (was service)"},
-      {{"feature", "set", "input-mode", "0x10"}, "input-mode is 0x10 (was 0x20)"},
-  };
-  for (const auto& test : cases) {
-    const std::string out = Out(test.words);
-    if (test.out == nullptr) continue;
-    EXPECT_EQ(out, test.out) << test.words[1];
+  for (const auto& row : support::Rows(2, R"(
+      output show                        | output is closed
+      output open                        | output is open (was closed)
+      output show                        | output is open
+      output open                        | output is open
+      feature get output                 | open
+      output close                       | output is closed (was open)
+      feature set offset-x 0x64          | offset-x is 100 px (was 0 px)
+      feature get offset-x               | 100
+      feature set uart-overtime 60       | uart-overtime is 60 s (was 40 s)
+      feature show                       | # leaves what only the daemon keeps as it is
+      feature get uart-overtime          | 60
+      feature set role slave             | role is slave (was master)
+      feature get port-9-role            | backup
+      feature set bypass on              | bypass is on (was off)
+      feature set bypass-offset -50,20   | bypass-offset is -50,20 px (was 0,0 px)
+      feature get bypass                 | service
+      feature get screen-width           | 178
+      feature set bypass off             | bypass is off (was service)
+      feature set input-mode 0x10        | input-mode is 0x10 (was 0x20)
+    )")) {
+    const std::string out = CtlOut(support::WordsOf(row[0]));
+    if (row[1][0] != '#') {
+      EXPECT_EQ(out, row[1]) << row[0];
+    }
   }
-  EXPECT_EQ(Json({"feature", "set", "high-speed", "on"}),
+  EXPECT_EQ(CtlJson({"feature", "set", "high-speed", "on"}),
             (nlohmann::json{{"name", "high-speed"}, {"value", "on"}, {"was", "off"}}));
-  EXPECT_EQ(Json({"feature", "show"}).at("high-speed"), "on");
-  EXPECT_EQ(Json({"feature", "show", "bypass-offset"}).at("address"), 0x020001F0);
-}
-
-TEST_F(CtlFeature, OutputIsClosedAfterEachStart) {
-  StartLoaded();
-  Out({"output", "open"});
-  EXPECT_EQ(Cell(0x1DE), 0x5A);
-  Stop();
-  Start();  // the flag file is still there, the FPGA still open
-  EXPECT_TRUE(Comes([] { return Out({"output", "show"}) == "output is closed"; }));
-  EXPECT_EQ(Json({"status"}).at("output"), "closed");
+  EXPECT_EQ(CtlJson({"feature", "show"}).at("high-speed"), "on");
+  EXPECT_EQ(CtlJson({"feature", "show", "bypass-offset"}).at("address"), 0x020001F0);
 }
 
 TEST_F(CtlFeature, ClockIsSetAndSeenToGoOn) {
   Configure("speed = 200\n");
   StartLoaded();
-  EXPECT_EQ(Out({"time", "set", "2031-12-31T09:00:00"}).substr(0, 18), "time is 2031-12-31");
-  EXPECT_TRUE(
-      Comes([] { return Json({"time"}).at("time").get<std::string>() > "2031-12-31 09:00:30"; }));
-  EXPECT_EQ(Json({"time"}).at("weekday"), "Wednesday");
-  Out({"time", "set", "now"});
-  EXPECT_LT(Json({"time"}).at("time").get<std::string>(), "2031");
+  EXPECT_EQ(CtlOut({"time", "set", "2031-12-31T09:00:00"}).substr(0, 18), "time is 2031-12-31");
+  EXPECT_TRUE(Comes(
+      [] { return CtlJson({"time"}).at("time").get<std::string>() > "2031-12-31 09:00:30"; }));
+  EXPECT_EQ(CtlJson({"time"}).at("weekday"), "Wednesday");
+  CtlOut({"time", "set", "now"});
+  EXPECT_LT(CtlJson({"time"}).at("time").get<std::string>(), "2031");
   EXPECT_EQ(Ctl({"feature", "set", "time", "2028-02-29", "12:00"}).status, 0);
 }
 
 TEST_F(CtlFeature, RefusesWhatCannotBe) {
   Configure("trace = bus\n");
   StartLoaded();
-  const struct {
-    Words words;
-    int status;
-    const char* says;
-  } cases[] = {
-      {{"feature", "set", "offset-x", "3841"}, 2, "0 to 3840 px"},
-      {{"feature", "set", "offset-x", "-1"}, 2, "offset-x"},
-      {{"feature", "set", "uart-overtime", "1"}, 2, "2 to 119 s"},
-      {{"feature", "set", "bypass", "service"}, 2, "shown only"},
-      {{"feature", "set", "bypass-offset", "50"}, 2, "x,y"},
-      {{"feature", "set", "input-mode", "1020"}, 2, "a byte"},
-      {{"feature", "set", "link-0-3", "1"}, 1, "hardware alone"},
-      {{"feature", "set", "hdr", "loaded"}, 1, "daemon alone"},
-      {{"feature", "get", "colour"}, 2, "feature show"},
-      {{"feature", "set", "role"}, 2, "VALUE is required; see quivordctl feature set --help"},
-      {{"feature"}, 2, "subcommand is required"},
-      {{"output", "ajar"}, 2, "see quivordctl output --help"},
-      {{"time", "set", "2027-02-29T12:00:00"}, 2, "no value of time"},
-      {{"time", "set", "2026-07-03T12:00:00Z"}, 2, "no value of time"},
-      {{"time", "set", "noon"}, 2, "no value of time"},
-      {{"--device", "receiver", "status"}, 2, "--device"},
-      {{"store", "dump"}, 1, "the daemon runs"},
-      {{"store", "put", "role", "01"}, 1, "the daemon runs"},
-  };
   const auto sent = [] {
     const auto lines = board_kit::TraceLines();
     return std::count_if(lines.begin(), lines.end(),
                          [](const std::string& line) { return line.starts_with("bus >"); });
   };
   const auto before = sent();
-  for (const auto& test : cases) {
-    const RunResult run = Ctl(test.words);
-    EXPECT_EQ(run.status, test.status) << run.err;
-    EXPECT_NE(run.err.find(test.says), run.err.npos) << run.err;
+  for (const auto& row : support::Rows(3, R"(
+      feature set offset-x 3841       | 2 | 0 to 3840 px
+      feature set offset-x -1         | 2 | offset-x
+      feature set uart-overtime 1     | 2 | 2 to 119 s
+      feature set bypass service      | 2 | shown only
+      feature set bypass-offset 50    | 2 | x,y
+      feature set input-mode 1020     | 2 | a byte
+      feature set link-0-3 1          | 1 | hardware alone
+      feature set hdr loaded          | 1 | daemon alone
+      feature get colour              | 2 | feature show
+      feature set role                | 2 | VALUE is required; see quivordctl feature set --help
+      feature                         | 2 | subcommand is required
+      output ajar                     | 2 | see quivordctl output --help
+      time set 2027-02-29T12:00:00    | 2 | no value of time
+      time set 2026-07-03T12:00:00Z   | 2 | no value of time
+      time set noon                   | 2 | no value of time
+      --device receiver status        | 2 | --device
+      store dump                      | 1 | the daemon runs
+      store put role 01               | 1 | the daemon runs
+    )")) {
+    const RunResult run = support::ExpectCtl(row);
     EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
     EXPECT_EQ(run.out, "");
   }
   EXPECT_EQ(sent(), before);
   EXPECT_GT(before, 0);
-  Stop();
+  daemon_.reset();
   EXPECT_EQ(Ctl({"status"}).status, 3);
   EXPECT_EQ(Ctl({"output", "open"}).status, 3);
 }
@@ -196,7 +149,7 @@ TEST_F(CtlFeature, SaysAfterFiveSecondsWhatItFound) {
   RunTool("create " + Named().string());
   ASSERT_EQ(Ctl({"store", "put", "3d", "00"}).status, 0);  // with 3D on, bypass bars low delay
   StartLoaded();
-  Out({"feature", "set", "bypass", "on"});
+  CtlOut({"feature", "set", "bypass", "on"});
   const RunResult run = Ctl({"feature", "set", "low-delay", "1"});
   EXPECT_EQ(run.status, 1);
   EXPECT_EQ(run.err, "quivordctl: low-delay was written, but after 5 seconds it reads 0\n");
@@ -205,15 +158,15 @@ TEST_F(CtlFeature, SaysAfterFiveSecondsWhatItFound) {
 TEST_F(CtlFeature, StatusSaysInWordsWhatIsLinked) {
   Configure("port.1.cards = 0\n");
   Start();
-  EXPECT_EQ(Json({"status"}).at("fpga_restored"), false);
-  EXPECT_NE(Out({"status"}).find("not loaded yet"), std::string::npos);
+  EXPECT_EQ(CtlJson({"status"}).at("fpga_restored"), false);
+  EXPECT_NE(CtlOut({"status"}).find("not loaded yet"), std::string::npos);
   Load();
   for (const char* change :
        {"link 3 up", "fiber 1 3 up", "fiber 2 12 up", "fiber-status 0xA0", "poke 0x9E 0x20"}) {
     ASSERT_EQ(RunTool(change).status, 0) << change;
   }
-  Out({"feature", "set", "port-5-offset-x", "128"});
-  const std::string text = Out({"status"});
+  CtlOut({"feature", "set", "port-5-offset-x", "128"});
+  const std::string text = CtlOut({"status"});
   for (const char* line : {
            "\nscreen  128 x 128 px\n",
            "\noutput  closed; 'quivordctl output open' opens it\n",
@@ -227,7 +180,7 @@ TEST_F(CtlFeature, StatusSaysInWordsWhatIsLinked) {
        }) {
     EXPECT_NE(text.find(line), text.npos) << line << "is not in\n" << text;
   }
-  const auto state = Json({"status"});
+  const auto state = CtlJson({"status"});
   EXPECT_EQ(state.at("fpga_restored"), true);
   EXPECT_EQ(state.at("ports").at(3).at("fibers"), nlohmann::json{1});
   EXPECT_EQ(state.at("ports").at(3).at("copper"), true);
@@ -262,7 +215,7 @@ TEST_F(CtlFeature, MonitorPrintsReportsInWords) {
   Monitor monitor;
   // Passed on at once to whoever is the service daemon by then.
   ASSERT_TRUE(Comes([&] {
-    Out({"feature", "set", "service-note", "7"});
+    CtlOut({"feature", "set", "service-note", "7"});
     return monitor.Has("0x0200004A 07  service-note 7\n");
   }));
   Load();
@@ -280,44 +233,33 @@ TEST_F(CtlFeature, MonitorPrintsReportsInWords) {
 TEST_F(CtlFeature, StoreIsReadAndWrittenWhileNoDaemonRuns) {
   EXPECT_EQ(Ctl({"--board", Named() / "none", "store", "dump"}).status, 1);
   RunTool("create " + Named().string());
-  const std::string file = Named() / "copy";
-  const struct {
-    Words words;
-    int status;
-    const char* says;
-  } cases[] = {
-      {{"get", "card-size"}, 0, "8000000080000000\n"},
-      {{"put", "card-size", "40000000"}, 0, "4 bytes put at 0x00C20008 (card-size) of the live"},
-      {{"get", "card-size"}, 0, "4000000080000000\n"},
-      {{"get", "card-size", "--store", "factory"}, 0, "8000000080000000\n"},
-      {{"put", "card-size", "--", "112233445566778899"}, 2, "9 bytes do not fit"},
-      {{"dump", "0xC20006", "4"}, 0, "0x00C20006  00 00 40 00  |..@.|\n"},
-      {{"dump"}, 0, "0x00C20008  8        card-size        4000000080000000    card size\n"},
-      {{"put", "0xFFFFFF", "a5"}, 0, "1 byte put at 0x00FFFFFF (unused)"},
-      {{"put", "0xFFFFFF", "a5", "5a"}, 2, "behind the store's 16 MiB"},
-      {{"put", "0x1000000", "a5"}, 2, "address below 0x1000000"},
-      {{"get", "0xFFFFFF", "2"}, 2, "inside the 16 MiB"},
-      {{"get", "0xFFFFFF", "1"}, 0, "a5\n"},
-      {{"get", "0xFFFFFF"}, 2, "LENGTH is needed"},
-      {{"get", "colours"}, 2, "region's name"},
-      {{"get", "0", "0x1000000", "--file", file}, 0, "16777216 bytes"},
-      {{"put", "0xFFFFFF", "ff"}, 0, "1 byte"},
-      {{"put", "0", "--file", file}, 0, "more than one region"},
-      {{"get", "0xFFFFFF", "1"}, 0, "a5\n"},
-      {{"put", "1", "--file", file}, 2, "16777216 bytes from 0x00000001 end behind"},
-      {{"put", "1"}, 2, "either BYTES or --file"},
-      {{"put", "1", "--file", file + "s"}, 2, "can't be read"},
-      {{"dump", "--store", "tmp"}, 1, "cannot open the store"},
-      {{"dump", "--store", "spare"}, 2, "spare"},
-  };
-  for (const auto& test : cases) {
-    Words words = {"store"};
-    words.insert(words.end(), test.words.begin(), test.words.end());
-    const RunResult run = Ctl(words);
-    EXPECT_EQ(run.status, test.status) << run.err;
-    EXPECT_NE((run.out + run.err).find(test.says), std::string::npos) << test.says << " is not in\n"
-                                                                      << run.out << run.err;
+  for (const auto& row : support::Rows(3, R"(
+      get card-size                        | 0 | 8000000080000000
+      put card-size 40000000               | 0 | 4 bytes put at 0x00C20008 (card-size) of the live
+      get card-size                        | 0 | 4000000080000000
+      get card-size --store factory        | 0 | 8000000080000000
+      put card-size -- 112233445566778899  | 2 | 9 bytes do not fit
+      dump                     | 0 | 0x00C20008  8        card-size        4000000080000000    card size
+      put 0xFFFFFF a5                      | 0 | 1 byte put at 0x00FFFFFF (unused)
+      put 0xFFFFFF a5 5a                   | 2 | behind the store's 16 MiB
+      put 0x1000000 a5                     | 2 | address below 0x1000000
+      get 0xFFFFFF 2                       | 2 | inside the 16 MiB
+      get 0xFFFFFF 1                       | 0 | a5
+      get 0xFFFFFF                         | 2 | LENGTH is needed
+      get colours                          | 2 | region's name
+      get 0 0x1000000 --file %/copy        | 0 | 16777216 bytes
+      put 0xFFFFFF ff                      | 0 | 1 byte
+      put 0 --file %/copy                  | 0 | more than one region
+      get 0xFFFFFF 1                       | 0 | a5
+      put 1 --file %/copy                  | 2 | 16777216 bytes from 0x00000001 end behind
+      put 1                                | 2 | either BYTES or --file
+      put 1 --file %/none                  | 2 | can't be read
+      dump --store tmp                     | 1 | cannot open the store
+      dump --store spare                   | 2 | spare
+    )")) {
+    support::ExpectCtl(row, {"store"});
   }
+  EXPECT_EQ(CtlOut({"store", "dump", "0xC20006", "4"}), "0x00C20006  00 00 40 00  |..@.|");
   EXPECT_EQ(std::filesystem::file_size(Named() / "usr/zeph/etc/envcfg/brmpara"), 16U << 20);
   Start();  // no lock is left behind
 }

@@ -11,7 +11,6 @@
 namespace {
 
 using board_kit::Named;
-using support::Ctl;
 using support::CtlJson;
 using support::CtlOut;
 using support::Words;
@@ -118,24 +117,17 @@ TEST_F(Files, WhatADeviceCannotKeepIsNotSent) {
   CtlOut({"files", "put", good});
   board_kit::Put("local/bad", std::string(100, '\xFF'));
   board_kit::Put("local/empty.txt", "# nothing\n");
-  Words many = {"files", "put"};
-  for (int i = 0; i < 17; ++i) many.push_back(good);
-  const struct {
-    Words words;
-    int status;
-    const char* says;
-  } cases[] = {
-      {{"files", "put", good, Local("bad")}, 2, "bad is no configuration file"},
-      {{"files", "put", Local("missing")}, 2, "can't be read"},
-      {{"files", "put", Named() / "tmp"}, 2, "there is no file to put"},
-      {many, 2, "16 files, not 17"},
-      {{"files", "send", "1"}, 1, "keeps no file 1"},
-      {{"files", "pack", Local("empty.txt"), Local("x")}, 2, "no line describes a pack"},
-  };
-  for (const auto& c : cases) {
-    const auto run = Ctl(c.words);
-    EXPECT_EQ(run.status, c.status) << run.err;
-    EXPECT_NE(run.err.find(c.says), std::string::npos) << run.err;
+  std::string many;
+  for (int i = 0; i < 17; ++i) many += " %/local/good";
+  for (const auto& row : support::Rows(3, R"(
+      put %/local/good %/local/bad    | 2 | bad is no configuration file
+      put %/local/missing             | 2 | can't be read
+      put %/tmp                       | 2 | there is no file to put
+      put )" + many + R"(             | 2 | 16 files, not 17
+      send 1                          | 1 | keeps no file 1
+      pack %/local/empty.txt %/x      | 2 | no line describes a pack
+    )")) {
+    support::ExpectCtl(row, {"files"});
   }
   EXPECT_EQ(OnDevice(0), Bytes(good));
   EXPECT_EQ(CtlJson({"files", "list"}).at("files").size(), 1U);

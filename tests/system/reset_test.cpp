@@ -128,6 +128,18 @@ std::unique_ptr<quivord::Client> AskForReset(std::uint8_t type) {
   return std::move(client.value());
 }
 
+// The restore that comes when the FPGA has loaded would forget it.
+TEST(Reset, AskedForWhileTheFpgaLoadsIsCarriedOut) {
+  Use();
+  board_kit::Configure("speed = 200\nfpga.load_ms = 1500\n");
+  support::Supervised daemon;
+  daemon.Mark();
+  while (AskForReset(0) == nullptr) std::this_thread::sleep_for(5ms);
+  ASSERT_TRUE(daemon.AwaitReady(true)) << daemon.Said();
+  EXPECT_EQ(State(ZEPH_MCUC::ResetRuleOf(0)), "reset");
+  ExpectIdentity();
+}
+
 TEST(Reset, DropsMessagesFromItsBeginUntilTheReboot) {
   Use();
   board_kit::Configure("speed = 10\nfpga.load_ms = 20\n");
@@ -151,14 +163,11 @@ TEST(Reset, IsNotBegunUnlessConfirmed) {
   Use();
   support::Supervised daemon;
   ASSERT_TRUE(daemon.AwaitReady());
-  EXPECT_EQ(support::Ctl({"reset", "--type", "0"}).status, 2);  // nobody types yes
-  EXPECT_EQ(support::Ctl({"--json", "reset", "--type", "0"}).status, 2);
-  EXPECT_EQ(support::Ctl({"reset", "--type", "some", "--yes"}).status, 2);
+  for (const char* words : {"reset --type 0", "--json reset --type 0", "reset --type some --yes"}) {
+    support::ExpectCtl({words, "2"});  // nobody types yes
+  }
   EXPECT_EQ(board::ReadEnv("returnfactory").value_or("none"), "none");
 }
-
-// --- Power cuts
-// ------------------------------------------------------------------------------------
 
 class ResetCuts : public testing::TestWithParam<int> {
  protected:

@@ -1,11 +1,8 @@
 // quivordctl's wall commands against a daemon on a board.
 #include <gtest/gtest.h>
 
-#include <nlohmann/json.hpp>
-
-#include "support/board_kit.h"
+#include "support/ctl.h"
 #include "support/daemon.h"
-#include "support/run.h"
 #include "support/wall_bytes.h"
 #include "wall/text.h"
 
@@ -14,14 +11,10 @@ namespace {
 using nlohmann::json;
 using quivord::wall::Smart;
 
-support::RunResult Ctl(std::vector<std::string> arguments) {
-  arguments.insert(arguments.begin(), {support::Built("quivordctl"), "--json", "wall"});
-  return support::Run(arguments);
-}
-
-json Object(const support::RunResult& result) {
-  EXPECT_EQ(result.status, 0) << result.err;
-  return json::parse(result.out, nullptr, false);
+// What a wall command that has to succeed gives.
+json Object(std::vector<std::string> words) {
+  words.insert(words.begin(), "wall");
+  return support::CtlJson(words);
 }
 
 // What a device with the wall shows.
@@ -30,16 +23,10 @@ json Shown(const Smart& smart) {
 }
 
 std::vector<std::string> Configure(const Smart& smart) {
-  return {"configure",
-          "--rows",
-          std::to_string(smart.rows),
-          "--columns",
-          std::to_string(smart.columns),
-          "--cables",
-          std::to_string(smart.mode),
-          "--per-cable",
-          std::to_string(smart.perCable),
-          "--wait"};
+  return support::WordsOf("configure --wait --rows " + std::to_string(smart.rows) + " --columns " +
+                          std::to_string(smart.columns) + " --cables " +
+                          std::to_string(smart.mode) + " --per-cable " +
+                          std::to_string(smart.perCable));
 }
 
 class WallCommand : public testing::Test {
@@ -62,17 +49,17 @@ class WallCommand : public testing::Test {
 
 TEST_F(WallCommand, ASmartWallComesBackAsItWasAskedForAndOutlivesAPowerCut) {
   const Smart wall{.rows = 5, .columns = 3, .perCable = 5, .mode = 4};
-  EXPECT_EQ(Object(Ctl(Configure(wall))), Shown(wall));
-  EXPECT_EQ(Object(Ctl({"export", File("wall.json")}))["file"], File("wall.json"));
+  EXPECT_EQ(Object(Configure(wall)), Shown(wall));
+  EXPECT_EQ(Object({"export", File("wall.json")})["file"], File("wall.json"));
 
   const Smart other{.rows = 2, .columns = 9, .perCable = 3, .mode = 3};
-  EXPECT_EQ(Object(Ctl(Configure(other))), Shown(other));
-  EXPECT_EQ(Object(Ctl({"configure", File("wall.json"), "--wait"})), Shown(wall));
+  EXPECT_EQ(Object(Configure(other)), Shown(other));
+  EXPECT_EQ(Object({"configure", File("wall.json"), "--wait"}), Shown(wall));
 
   daemon_->Kill();
   daemon_.reset();
   Start();
-  EXPECT_EQ(Object(Ctl({"show"})), Shown(wall));
+  EXPECT_EQ(Object({"show"}), Shown(wall));
 }
 
 TEST_F(WallCommand, AnAdvancedWallIsPlacedDrawnAndExported) {
@@ -87,13 +74,13 @@ TEST_F(WallCommand, AnAdvancedWallIsPlacedDrawnAndExported) {
          {"x", 300},
          {"y", 40}}}}};
   board_kit::Put("wall.json", wall.dump());
-  const json shown = Object(Ctl({"advanced", File("wall.json")}));
+  const json shown = Object({"advanced", File("wall.json")});
   EXPECT_EQ(shown["screen"], json({{"width", 428}, {"height", 424}}));
   ASSERT_EQ(shown["ports"].size(), 2U);
   EXPECT_EQ(shown["ports"][1]["window"],
             json({{"x", 300}, {"y", 40}, {"width", 128}, {"height", 384}}));
-  EXPECT_EQ(Object(Ctl({"export"})), wall);
-  EXPECT_EQ(Object(Ctl({"draw", File("wall.png")}))["file"], File("wall.png"));
+  EXPECT_EQ(Object({"export"}), wall);
+  EXPECT_EQ(Object({"draw", File("wall.png")})["file"], File("wall.png"));
   EXPECT_GT(std::filesystem::file_size(File("wall.png")), 1000U);
 }
 
@@ -101,36 +88,27 @@ TEST_F(WallCommand, RefusesInWords) {
   board_kit::Put("advanced.json", R"({"kind": "advanced", "ports": []})");
   board_kit::Put("smart.json", R"({"kind": "smart", "rows": 1, "columns": 1, "cables": 0,
                                    "per_cable": 1})");
-  const struct {
-    std::vector<std::string> arguments;
-    int status;
-    const char* says;
-  } cases[] = {
-      {Configure({.rows = 4, .columns = 5, .perCable = 1}), 1, "at least 2"},
-      {Configure({.rows = 0, .columns = 5, .perCable = 1}), 1, "at least 1"},
-      {{"configure", "--rows", "4"}, 2, "--columns"},
-      {{"configure", "--rows", "256", "--columns", "1", "--cables", "0", "--per-cable", "1"},
-       2,
-       "--rows"},
-      {{"configure", File("smart.json"), "--rows", "4"}, 2, "leave out the numbers"},
-      {{"configure", File("advanced.json")}, 2, "wall advanced"},
-      {{"configure", File("missing.json")}, 2, "missing.json"},
-      {{"advanced", File("advanced.json")}, 1, "no port"},
-      {{"advanced", File("smart.json")}, 2, "wall configure"},
-      {{"export"}, 1, "not configured"},
-      {{"draw", "wall.gif"}, 2, ".png or .svg"},
-      {{"draw", "/nowhere/wall.png"}, 2, "/nowhere/wall.png"},
-      {{"show", "--device", "receiver"}, 2, "--device"},
-      {{}, 2, "subcommand"},
-  };
-  for (const auto& test : cases) {
-    const support::RunResult result = Ctl(test.arguments);
-    EXPECT_EQ(result.status, test.status) << test.says << ": " << result.err;
-    EXPECT_NE(result.err.find(test.says), std::string::npos) << result.err;
-    EXPECT_EQ(json::parse(result.out, nullptr, false)["status"], test.status) << result.out;
+  for (const auto& row : support::Rows(3, R"(
+      configure --rows 4 --columns 5 --cables 0 --per-cable 1   | 1 | at least 2
+      configure --rows 0 --columns 5 --cables 0 --per-cable 0   | 1 | at least 1
+      configure --rows 4                                        | 2 | --columns
+      configure --rows 256 --columns 1 --cables 0 --per-cable 1 | 2 | --rows
+      configure %/smart.json --rows 4                           | 2 | leave out the numbers
+      configure %/advanced.json                                 | 2 | wall advanced
+      configure %/missing.json                                  | 2 | missing.json
+      advanced %/advanced.json                                  | 1 | no port
+      advanced %/smart.json                                     | 2 | wall configure
+      export                                                    | 1 | not configured
+      draw wall.gif                                             | 2 | .png or .svg
+      draw /nowhere/wall.png                                    | 2 | /nowhere/wall.png
+      show --device receiver                                    | 2 | --device
+    )")) {
+    const auto run = support::ExpectCtl(row, {"--json", "wall"});
+    EXPECT_EQ(std::to_string(json::parse(run.out, nullptr, false)["status"].get<int>()), row[1]);
   }
+  support::ExpectCtl({"", "2", "subcommand"}, {"wall"});
   daemon_.reset();
-  EXPECT_EQ(Ctl({"show"}).status, 3);
+  EXPECT_EQ(support::Ctl({"wall", "show"}).status, 3);
 }
 
 }  // namespace

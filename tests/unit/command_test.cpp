@@ -11,6 +11,7 @@
 #include "support/device.h"
 #include "support/inprocess.h"
 #include "support/loop.h"
+#include "support/rows.h"
 #include "support/trace.h"
 
 namespace {
@@ -22,46 +23,34 @@ using device::Global;
 
 constexpr std::uint32_t kCommand = 0x01000000;
 
-// --- Commands ----------------------------------------------------------------------------------
-
-struct Command {
-  const char* name;
-  std::uint32_t offset;
-  const char* data;
-  int ack;
-  int jobs;
-  const char* first;  // line of what it sets off; empty for none
-};
-
-constexpr Command kCommands[] = {
-    {"sort", 0, "07aa", 0, 0, ""},
-    {"save", 1, "01", 0, 1, "flash W 0xc20040 "},
-    {"test point", 3, "0010005101", 0, 0, "fpga W 0x100051 01\n"},
-    {"test point, all address bytes", 3, "01200003 7f ff", 0, 0, "fpga W 0x1200003 7f\n"},
-    {"test point, four bytes", 3, "00100051", 4, 0, ""},
-    {"reload", 4, "01", 0, 1, "flash R 0xa3b100 x512\n"},
-    {"chip erase", 5, "01", 0, 0, ""},
-    {"no such row", 6, "01", 4, 0, ""},
-    {"mapping", 24, "01", 0, 1, "card W 1 255 65535 0x01000088 1 0 05 0x038e\n"},
-    {"mapping by the card's own value", 24, "0500", 0, 1,
-     "card W 1 255 65535 0x01000088 1 0 05 0x038e\n"},
-    {"mapping off", 24, "02", 0, 1, "card W 1 255 65535 0x01000088 1 0 ff 0x0488\n"},
-    {"debug", 32, "01", 0, 0, ""},
-    {"save under its other number", 255, "01", 0, 1, "flash W 0xc20040 "},
-};
-
 TEST(Commands, SetOffWhatTheirRowSays) {
   device::Begin("fpga flash card shell");
   support::Trace trace;
-  for (const Command& command : kCommands) {
-    SCOPED_TRACE(command.name);
-    const auto reply = inprocess::Write(kCommand + command.offset, inprocess::Bytes(command.data));
-    EXPECT_EQ(reply.m_ucAck, command.ack);
-    EXPECT_EQ(inprocess::DrainQueue(), command.jobs);
+  // Offset, data, ack, queued jobs, and the first line of what it reaches.
+  for (const auto& row : support::Rows(5, R"(
+      0   | 07aa         | 0 | 0
+      1   | 01           | 0 | 1 | flash W 0xc20040
+      3   | 0010005101   | 0 | 0 | fpga W 0x100051 01
+      3   | 012000037fff | 0 | 0 | fpga W 0x1200003 7f
+      3   | 00100051     | 4 | 0
+      4   | 01           | 0 | 1 | flash R 0xa3b100 x512
+      5   | 01           | 0 | 0
+      6   | 01           | 4 | 0
+      24  | 01           | 0 | 1 | card W 1 255 65535 0x01000088 1 0 05 0x038e
+      24  | 0500         | 0 | 1 | card W 1 255 65535 0x01000088 1 0 05 0x038e
+      24  | 02           | 0 | 1 | card W 1 255 65535 0x01000088 1 0 ff 0x0488
+      32  | 01           | 0 | 0
+      255 | 01           | 0 | 1 | flash W 0xc20040
+    )")) {
+    SCOPED_TRACE(row[0] + " " + row[1]);
+    const auto address = kCommand + static_cast<std::uint32_t>(std::stoul(row[0]));
+    const auto reply = inprocess::Write(address, inprocess::Bytes(row[1].c_str()));
+    EXPECT_EQ(std::to_string(reply.m_ucAck), row[2]);
+    EXPECT_EQ(std::to_string(inprocess::DrainQueue()), row[3]);
     const std::string lines = trace.Take();
-    EXPECT_TRUE(*command.first == '\0' ? lines.empty() : lines.starts_with(command.first)) << lines;
-    const auto read = inprocess::Read(kCommand + command.offset, 1);
-    EXPECT_EQ(read.m_ucAck, command.offset == 6 ? 4 : 0);
+    EXPECT_TRUE(row[4].empty() ? lines.empty() : lines.starts_with(row[4])) << lines;
+    const auto read = inprocess::Read(address, 1);
+    EXPECT_EQ(read.m_ucAck, row[0] == "6" ? 4 : 0);
     EXPECT_TRUE(read.m_data.empty());
   }
   EXPECT_EQ(Global().LocalAddr, 7);
@@ -77,21 +66,17 @@ TEST(Commands, FailedTestPointIsLogged) {
       std::string::npos);
 }
 
-// --- A reset from the write to the reboot -----------------------------------------------------
-
 TEST(Reset, WriteMarksTheEnvironmentTellsTheServiceAndQueues) {
-  device::Begin("shell bus");
+  device::Begin("shell bus flash");
   support::Trace trace;
-  const auto byte = inprocess::Bytes("02aa");
-  EXPECT_EQ(inprocess::Write(kCommand + 2, byte).m_ucAck, 0);
-  EXPECT_EQ(trace.Take(),
-            "shell envcfg set factory_enable 1\n"
-            "shell envcfg set returnfactory 1\n"
-            "shell envcfg set firstboot 1\n"
-            "shell killall moirad\n"
-            "owd 0x01000002 02\n");
+  EXPECT_EQ(inprocess::Write(kCommand + 2, inprocess::Bytes("02aa")).m_ucAck, 0);
+  EXPECT_EQ(trace.TakeLine(),
+            "shell envcfg set factory_enable 1; shell envcfg set returnfactory 1; "
+            "shell envcfg set firstboot 1; shell killall moirad; owd 0x01000002 02");
   EXPECT_EQ(Global().RebootRF, EN_NOT_REBOOT);
-  EXPECT_EQ(inprocess::DrainQueue(), 1);
+  inprocess::Write(kCommand + 4, inprocess::Bytes("01"));
+  EXPECT_EQ(inprocess::DrainQueue(), 2);
+  EXPECT_EQ(trace.Take(), "") << "a reload behind it would forget it";
   EXPECT_EQ(Global().RebootRF, EN_REBOOT_WAIT_SFT_DO);
   EXPECT_EQ(Global().ResetMode, 2);
   EXPECT_FALSE(Global().ReceivePathSilent());
@@ -129,8 +114,6 @@ TEST(Reset, StepsWaitAndEndInTheReboot) {
   EXPECT_TRUE(Global().ReceivePathSilent());
 }
 
-// --- The copy that becomes the store ----------------------------------------------------------
-
 constexpr char kCopied[] =
     R"(shell cp /usr/zeph/etc/envcfg/brmpara_factory /usr/zeph/etc/envcfg/brmpara_factory_tmp
 shell rm -r /usr/brm100/bin/kye/bin/Configure/system.ini
@@ -154,27 +137,14 @@ flash W tmp 0xb99016 010101
 flash W tmp 0xb8b000 x4096
 )";
 
-constexpr char kReadDhcpAndFiles[] = R"(flash R 0x201a x1
-flash R 0x3000 x46080
-flash R 0xd14000 x768
-flash R 0xe00000 x1048576
-)";
-
-constexpr char kSetNetwork[] = R"(env set gatewayip 192.168.0.1
-env set ipaddr 192.168.0.10
-net mode 0
-net addr 192.168.0.10 255.255.255.0 192.168.0.1
-)";
-
-constexpr char kPutFiles[] = R"(flash W tmp 0x3000 x46080
-flash W tmp 0xd14000 x768
-flash W tmp 0xe00000 x1048576
-)";
-
-constexpr char kClosed[] = R"(shell envcfg set boot_screen 0
-shell sync
-fpga W 0x1de 00
-)";
+constexpr char kReadDhcpAndFiles[] =
+    "flash R 0x201a x1\nflash R 0x3000 x46080\nflash R 0xd14000 x768\nflash R 0xe00000 x1048576\n";
+constexpr char kSetNetwork[] =
+    "env set gatewayip 192.168.0.1\nenv set ipaddr 192.168.0.10\nnet mode 0\n"
+    "net addr 192.168.0.10 255.255.255.0 192.168.0.1\n";
+constexpr char kPutFiles[] =
+    "flash W tmp 0x3000 x46080\nflash W tmp 0xd14000 x768\nflash W tmp 0xe00000 x1048576\n";
+constexpr char kClosed[] = "shell envcfg set boot_screen 0\nshell sync\nfpga W 0x1de 00\n";
 
 constexpr char kFolder[] = "usr/zeph/etc/owd/cabCfg/";
 constexpr const char* kCardFiles[] = {"AllCabCfgFileName", "RvCfgFile_0.rcfgx",
@@ -189,19 +159,6 @@ void BeginUsed(const std::string& traced) {
   board_kit::Put("root/.config/Zephyrix/Cormoran.ini", "");
   device::PutFlash(0x201A, "01");
   device::PutFlash(0xD17000, "ff");
-  device::PutFlash(0x3000 + 46079, "51");
-  device::PutFlash(0xD14000 + 767, "52");
-  device::PutFlash(0xE00000 + 0xFFFFF, "53");
-  device::PutFlash(0xB8B000, "54");
-  device::PutFlash(0xA3B100 + 0x28, "55");
-}
-
-std::string Copy(std::uint32_t address, std::size_t length) {
-  std::ifstream store(board::StorePath(board::Store::kTmp), std::ios::binary);
-  store.seekg(address);
-  std::string bytes(length, '\0');
-  store.read(bytes.data(), static_cast<std::streamsize>(length));
-  return board::Hex(bytes.data(), length);
 }
 
 bool HasCardFiles() {
@@ -213,67 +170,43 @@ bool HasCardFiles() {
   return found != 0;
 }
 
-struct Type {
-  int type;
-  const char* reads;
-  const char* dhcp;
-  bool keeps;
-};
-class ResetType : public testing::TestWithParam<Type> {};
+class ResetType : public testing::TestWithParam<int> {};
 
 TEST_P(ResetType, ReadsPatchesAndClearsInOrder) {
-  const Type& type = GetParam();
+  const int type = GetParam();
+  const bool keepsDhcp = type == 0 || type == 2;
   BeginUsed("fpga flash card shell env net");
   support::Trace trace;
-  EXPECT_EQ(Global().ReturnFactory(static_cast<std::uint8_t>(type.type)), 0);
-  EXPECT_EQ(trace.Take(), std::string(type.reads) + kCopied + "flash W tmp 0x201a " + type.dhcp +
-                              "\n" + (type.keeps ? kPutFiles : "") + kClosed);
+  EXPECT_EQ(Global().ReturnFactory(static_cast<std::uint8_t>(type)), 0);
+  EXPECT_EQ(trace.Take(), std::string(keepsDhcp   ? kReadDhcpAndFiles
+                                      : type == 1 ? kSetNetwork
+                                                  : "") +
+                              kCopied + "flash W tmp 0x201a " + (keepsDhcp ? "01\n" : "00\n") +
+                              (type == 2 ? kPutFiles : "") + kClosed);
   EXPECT_EQ(Global().RebootRF, EN_REBOOT_ING);
-  EXPECT_EQ(HasCardFiles(), type.keeps);
-  const char* const unwritten = "ff";
-  EXPECT_EQ(Copy(0x3000 + 46079, 1), type.keeps ? "51" : unwritten);
-  EXPECT_EQ(Copy(0xD14000 + 767, 1), type.keeps ? "52" : unwritten);
-  EXPECT_EQ(Copy(0xE00000 + 0xFFFFF, 1), type.keeps ? "53" : unwritten);
-  EXPECT_EQ(Copy(0xB8B000, 2), "0000");
-  EXPECT_EQ(Copy(0xA3B100 + 0x28, 1), "00") << "as the factory has it";
-  EXPECT_EQ(device::Flash(0xA3B100 + 0x28, 1), "55") << "the live store";
+  EXPECT_EQ(HasCardFiles(), type == 2);
   EXPECT_FALSE(std::filesystem::exists(board_kit::Named() / "root/.config/Zephyrix/Cormoran.ini"));
 }
 
-INSTANTIATE_TEST_SUITE_P(, ResetType,
-                         testing::Values(Type{0, kReadDhcpAndFiles, "01", false},
-                                         Type{1, kSetNetwork, "00", false},
-                                         Type{2, kReadDhcpAndFiles, "01", true},
-                                         Type{3, "", "00", false}, Type{255, "", "00", false}),
-                         [](const auto& test) { return std::to_string(test.param.type); });
+INSTANTIATE_TEST_SUITE_P(, ResetType, testing::Values(0, 1, 2, 3, 255),
+                         [](const auto& test) { return std::to_string(test.param); });
 
 // Nothing that fails keeps a reset from ending in its reboot.
 TEST(Reset, GoesOnWhateverFails) {
-  struct Case {
-    const char* name;
-    Fault fault;
-    const char* says;
-  };
-  constexpr Case kCases[] = {
-      {"nothing", Fault::kSyncCount, ""},
-      {"flash reads", Fault::kFlashRead,
-       "Error === DevNameFileAddr ===Read from flash failed when reading DevNameFile ! \n"
-       "Error === RVConfigFileAddr ===Read from flash failed when reading RvFile ! \n"},
-      {"writes to the copy", Fault::kFlashWrite, ""},
-      {"cards' answers", Fault::kCardRead, ""},
-      {"packets to cards", Fault::kCardWrite, ""},
-      {"the FPGA", Fault::kFpgaWrite, ""},
-  };
   BeginUsed("none");
   device::Log log(0);
-  for (const Case& c : kCases) {
-    SCOPED_TRACE(c.name);
-    if (c.fault != Fault::kSyncCount) SetFaultCount(c.fault, -1);
+  for (const Fault fault : {Fault::kFlashRead, Fault::kFlashWrite, Fault::kCardRead,
+                            Fault::kCardWrite, Fault::kFpgaWrite}) {
+    SetFaultCount(fault, -1);
     Global().RebootRF = EN_REBOOT_WAIT_RET_PACK;
     Global().ReturnFactory(2);
-    SetFaultCount(c.fault, 0);
-    const std::string lines = log.Take();
-    EXPECT_NE(lines.find(c.says), std::string::npos) << lines;
+    SetFaultCount(fault, 0);
+    const bool says =
+        log.Take().find(
+            "Error === DevNameFileAddr ===Read from flash failed when reading DevNameFile ! \n"
+            "Error === RVConfigFileAddr ===Read from flash failed when reading RvFile ! \n") !=
+        std::string::npos;
+    EXPECT_EQ(says, fault == Fault::kFlashRead);
     EXPECT_EQ(Global().RebootRF, EN_REBOOT_ING);
   }
   std::filesystem::remove(board::StorePath(board::Store::kFactory));

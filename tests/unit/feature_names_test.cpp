@@ -8,11 +8,12 @@
 
 #include "proto/calc_feature.h"
 #include "proto/calc_feature_words.h"
+#include "support/inprocess.h"
+#include "support/rows.h"
 
 namespace ZEPH_MCUC {
 namespace {
 
-using Bytes = std::vector<uint8_t>;
 using enum FeaturePlace;
 
 std::string NameOf(const FeatureRegister* row) {
@@ -43,31 +44,21 @@ TEST(FeatureNames, AreWellFormedAndFoundAgain) {
 }
 
 TEST(FeatureNames, FormsFitTheirBytes) {
-  ForAll([](const FeatureRegister& row) {
+  const std::map<FeatureForm, uint32_t> widths = {
+      {FeatureForm::kChoice, 1}, {FeatureForm::kTime, 6}, {FeatureForm::kOffsets, 8}};
+  ForAll([&](const FeatureRegister& row) {
     const std::string name = NameOf(&row);
+    const auto width = widths.find(row.form);
     EXPECT_LE(row.offset + row.width, feature::kSize) << name;
     EXPECT_NE(std::string(row.meaning), "") << name;
-    switch (row.form) {
-      case FeatureForm::kNumber:
-        EXPECT_LT(row.least, row.most) << name;
-        EXPECT_LT(uint64_t{row.most}, uint64_t{1} << (8 * row.width)) << name;
-        break;
-      case FeatureForm::kChoice:
-        EXPECT_EQ(row.width, 1U) << name;
-        EXPECT_FALSE(row.choices.empty()) << name;
-        break;
-      case FeatureForm::kPortBits:
-        EXPECT_LE(row.portBits.portsInByte * row.portBits.bitsOfPort, 8) << name;
-        EXPECT_LE(row.portBits.firstPort + row.portBits.portsInByte * row.width, 16U) << name;
-        break;
-      case FeatureForm::kTime:
-        EXPECT_EQ(row.width, 6U) << name;
-        break;
-      case FeatureForm::kOffsets:
-        EXPECT_EQ(row.width, 8U) << name;
-        break;
-      case FeatureForm::kBytes:
-        break;
+    EXPECT_EQ(row.width, width == widths.end() ? row.width : width->second) << name;
+    if (row.form == FeatureForm::kNumber) {
+      EXPECT_LT(row.least, row.most) << name;
+      EXPECT_LT(uint64_t{row.most}, uint64_t{1} << (8 * row.width)) << name;
+    }
+    if (row.form == FeatureForm::kPortBits) {
+      EXPECT_LE(row.portBits.portsInByte * row.portBits.bitsOfPort, 8) << name;
+      EXPECT_LE(row.portBits.firstPort + row.portBits.portsInByte * row.width, 16U) << name;
     }
   });
 }
@@ -85,37 +76,6 @@ TEST(FeatureNames, OverlapNowhereButInTheTestByte) {
   });
 }
 
-TEST(FeatureNames, StandAtTheirOffsets) {
-  const struct {
-    const char* name;
-    uint32_t offset;
-    uint32_t width;
-    FeaturePlace place;
-  } cases[] = {
-      {"time", 0x11, 6, kImage},
-      {"role", 0x9D, 1, kImage},
-      {"output", 0x1DE, 1, kCell},
-      {"uart-overtime", 0x3F, 1, kImage},
-      {"real-height", 0x26, 2, kImage},
-      {"screen-width", 0x1EC, 2, kImage},
-      {"bypass", 0x1F8, 1, kImage},
-      {"bypass-offset", 0x1F0, 8, kImage},
-      {"fiber-2-links", 0x1F4, 2, kCell},
-      {"redundancy-8-15", 0x120, 2, kCell},
-      {"port-4-width", 0xB1, 2, kImage},
-      {"port-8-role", 0x100, 1, kImage},
-      {"port-12-height", 0x157, 2, kImage},
-      {"port-15-offset-y", 0x176, 2, kImage},
-  };
-  for (const auto& test : cases) {
-    const FeatureRegister* row = FindFeature(test.name);
-    ASSERT_NE(row, nullptr) << test.name;
-    EXPECT_EQ(row->offset, test.offset) << test.name;
-    EXPECT_EQ(row->width, test.width) << test.name;
-    EXPECT_EQ(row->place, test.place) << test.name;
-  }
-}
-
 TEST(FeatureNames, AreFoundByOffset) {
   EXPECT_EQ(NameOf(FindFeatureAt(kImage, 0x1F0)), "bypass-offset");
   EXPECT_EQ(NameOf(FindFeatureAt(kImage, 0x1F3)), "bypass-offset");
@@ -127,80 +87,70 @@ TEST(FeatureNames, AreFoundByOffset) {
 }
 
 TEST(FeatureWords, ShowEveryForm) {
-  const struct {
-    const char* name;
-    Bytes bytes;
-    const char* text;
-  } cases[] = {
-      {"screen-width", {0x80, 0x07}, "1920"},
-      {"output", {0x5A}, "open"},
-      {"output", {0x5B}, "0x5b"},
-      {"bypass", {2}, "service"},
-      {"role", {0xA5}, "slave"},
-      {"input-mode", {0x21}, "0x21"},
-      {"fiber-to-net", {0x01, 0xF0}, "0x01 0xf0"},
-      {"link-0-3", {0xF5}, "0 2"},
-      {"link-8-15", {0x08, 0x01}, "11 12"},
-      {"link-4-7", {0x00}, "none"},
-      {"redundancy-4-7", {0x82}, "4 7"},
-      {"redundancy-0-3", {0x55}, "none"},
-      {"fiber-1-links", {0x01, 0x80}, "0 15"},
-      {"time", {0x26, 0x07, 0x03, 0x12, 0x59, 0x09}, "2026-07-03 12:59:09"},
-      {"time", {0x26, 0x13, 0x03, 0x12, 0x59, 0x09}, "0x26 0x13 0x03 0x12 0x59 0x09"},
-      {"bypass-offset", {0xCE, 0xFF, 0xFF, 0xFF, 0x14, 0, 0, 0}, "-50,20"},
-      {"bypass-offset", {0xCE, 0xFF}, ""},
-      {"output", {}, ""},
-  };
-  for (const auto& test : cases) {
-    EXPECT_EQ(FeatureText(*FindFeature(test.name), test.bytes), test.text) << test.name;
+  for (const auto& row : support::Rows(3, R"(
+      screen-width   | 8007         | 1920
+      output         | 5a           | open
+      output         | 5b           | 0x5b
+      output         |              |
+      bypass         | 02           | service
+      role           | a5           | slave
+      input-mode     | 21           | 0x21
+      fiber-to-net   | 01f0         | 0x01 0xf0
+      link-0-3       | f5           | 0 2
+      link-8-15      | 0801         | 11 12
+      link-4-7       | 00           | none
+      redundancy-4-7 | 82           | 4 7
+      redundancy-0-3 | 55           | none
+      fiber-1-links  | 0180         | 0 15
+      time           | 260703125909 | 2026-07-03 12:59:09
+      time           | 261303125909 | 0x26 0x13 0x03 0x12 0x59 0x09
+      bypass-offset  | ceffffff14000000 | -50,20
+      bypass-offset  | ceff         |
+    )")) {
+    const auto* const name = FindFeature(row[0]);
+    ASSERT_NE(name, nullptr) << row[0];
+    EXPECT_EQ(FeatureText(*name, inprocess::Bytes(row[1].c_str())), row[2]) << row[0];
   }
 }
 
 TEST(FeatureWords, TellWhatARegisterTakes) {
-  const struct {
-    const char* name;
-    const char* range;
-  } cases[] = {
-      {"uart-overtime", "2 to 119 s"},
-      {"power-on-time", "0 to 254"},
-      {"bypass", "off, on, service (shown only)"},
-      {"link-8-15", "ports 8 to 15"},
-      {"input-mode", "a byte, as 0x20"},
-  };
-  for (const auto& test : cases) EXPECT_EQ(FeatureRange(*FindFeature(test.name)), test.range);
+  for (const auto& row : support::Rows(2, R"(
+      uart-overtime | 2 to 119 s
+      power-on-time | 0 to 254
+      bypass        | off, on, service (shown only)
+      link-8-15     | ports 8 to 15
+      input-mode    | a byte, as 0x20
+    )")) {
+    EXPECT_EQ(FeatureRange(*FindFeature(row[0])), row[1]);
+  }
 }
 
 TEST(ReportWords, SayWhatChanged) {
-  const struct {
-    uint32_t address;
-    Bytes data;
-    const char* text;
-  } cases[] = {
-      {0x14000000, {2}, "ready: the FPGA is loaded and has its parameters"},
-      {0x01000002, {1}, "a factory reset begins, mode 1"},
-      {0x02100006, {0x80, 0x00, 0x40, 0x01}, "size of the receiving cards: 128 x 320 px"},
-      {0x02810000, {0xC8}, "the screen is configured by software"},
-      {0x02000001, {0x7F}, "brightness was sent to the receiving cards 127"},
-      {0x0200001F, {0x09}, "ports with a copper link, of 0 to 3: 0 3"},
-      {0x02000126, {0x01, 0x08}, "ports with a copper link, of 8 to 15: 8 15"},
-      {0x020001F3, {0x02}, "ports with a link below fiber 1, of 8 to 15: 9"},
-      {0x020001F4, {0x00}, "ports with a link below fiber 2, of 0 to 7: none"},
-      {0x02000018,
-       {0, 0x80, 0, 0},
-       "port-0-role master, port-1-role backup, port-2-role master, port-3-role master"},
-      {0x020001F0, {0xCE, 0xFF, 0xFF, 0xFF, 0x14, 0, 0, 0}, "bypass-offset -50,20 px"},
-      {0x020001DA, {0x03}, "fiber-copy 0x03"},
-      {0x020001F8, {0x01}, "fiber-redundancy, byte 2: 0x01"},
-      {0x020001E1, {0x80}, "fiber-to-net, byte 1: 0x80"},
-      {0x020001FB, {0x01, 0x00}, ""},  // runs into a byte without a name
-      {0x0200009C, {0x01}, "correction 1"},
-      {0x02100006, {0x80, 0x00}, ""},
-      {0x02000200, {0x01}, ""},
-      {0x07000000, {0x01}, ""},
-      {0x0200001F, {}, ""},
-  };
-  for (const auto& test : cases) {
-    EXPECT_EQ(ReportText(test.address, test.data), test.text) << std::hex << test.address;
+  for (const auto& row : support::Rows(3, R"(
+      14000000 | 02       | ready: the FPGA is loaded and has its parameters
+      01000002 | 01       | a factory reset begins, mode 1
+      02100006 | 80004001 | size of the receiving cards: 128 x 320 px
+      02100006 | 8000     |
+      02810000 | c8       | the screen is configured by software
+      02000001 | 7f       | brightness was sent to the receiving cards 127
+      0200001F | 09       | ports with a copper link, of 0 to 3: 0 3
+      0200001F |          |
+      02000126 | 0108     | ports with a copper link, of 8 to 15: 8 15
+      020001F3 | 02       | ports with a link below fiber 1, of 8 to 15: 9
+      020001F4 | 00       | ports with a link below fiber 2, of 0 to 7: none
+      02000018 | 00800000
+        | port-0-role master, port-1-role backup, port-2-role master, port-3-role master
+      020001F0 | ceffffff14000000 | bypass-offset -50,20 px
+      020001DA | 03       | fiber-copy 0x03
+      020001F8 | 01       | fiber-redundancy, byte 2: 0x01
+      020001E1 | 80       | fiber-to-net, byte 1: 0x80
+      020001FB | 0100     |
+      0200009C | 01       | correction 1
+      02000200 | 01       |
+      07000000 | 01       |
+    )")) {
+    const auto address = static_cast<uint32_t>(std::stoul(row[0], nullptr, 16));
+    EXPECT_EQ(ReportText(address, inprocess::Bytes(row[1].c_str())), row[2]) << row[0];
   }
 }
 

@@ -2,12 +2,14 @@
 #include <gtest/gtest.h>
 #include <platform/mbus.h>
 
+#include <regex>
+
 #include "board/faults.h"
 #include "process/tprocess_ctl.h"
 #include "proto/addr_hardwarebrightnessadjust.h"
-#include "support/board_kit.h"
 #include "support/device.h"
 #include "support/inprocess.h"
+#include "support/rows.h"
 #include "support/trace.h"
 
 namespace {
@@ -16,138 +18,108 @@ using namespace ZEPH_MCUC;
 using board::Fault;
 using board::SetFaultCount;
 using device::Global;
-using device::Image;
 
 constexpr std::uint32_t kBase = 0x02000000;
-const std::string kStored = "flash W 0xa3b100 x512\n";
 
-// Bytes of the image, in front of a write or behind it.
+// Bytes of the image as "offset:bytes", in hexadecimal.
 struct Put {
   std::uint32_t offset;
-  const char* hex;
+  std::string hex;
 };
+std::vector<Put> Puts(const std::string& text) {
+  std::vector<Put> puts;
+  for (const std::string& word : support::WordsOf(text)) {
+    const std::size_t colon = word.find(':');
+    const auto offset = std::stoul(word.substr(0, colon), nullptr, 16);
+    puts.push_back({static_cast<std::uint32_t>(offset), word.substr(colon + 1)});
+  }
+  return puts;
+}
+void PutImage(const std::string& text) {
+  for (const Put& put : Puts(text)) device::PutImage(put.offset, put.hex.c_str());
+}
+void ExpectImage(const std::string& text) {
+  for (const Put& put : Puts(text)) {
+    EXPECT_EQ(device::Image(put.offset, put.hex.size() / 2), put.hex) << std::hex << put.offset;
+  }
+}
+void Write(const std::string& text) {
+  device::WriteFeature(Puts(text)[0].offset, Puts(text)[0].hex.c_str());
+}
 
-// An output size stored as the first change, of 32-bit width and height in hexadecimal.
-std::string Size(const std::string& size) {
-  return "flash W 0xc20000 " + size + "\nflash R 0xd17000 x1\nflash W 0xd17000 01\n";
+// The accesses in one line. "W 24 80" is a write to the FPGA's bus, "stored" the image into flash,
+// "clear" that of both distances, "size" an output size as the first change, "zero" the trail that
+// a screen without size leaves.
+std::string Short(std::string trace) {
+  const std::pair<const char*, const char*> words[] = {
+      {"fpga W 0x", "W "},
+      {"W 91 0000; W ac 0000", "clear"},
+      {"flash W 0xa3b100 x512", "stored"},
+      {"flash W 0xc20000 (\\w+); flash R 0xd17000 x1; flash W 0xd17000 01", "size $1"},
+      {"shell echo \"Point:0 ,use adddr:0x20000(..), wide:0 high:0, description:Read software "
+       "para!!\" >> /root/screen_zero.txt",
+       "zero $1"}};
+  for (const auto& [from, to] : words) trace = std::regex_replace(trace, std::regex(from), to);
+  return trace;
 }
 
 // A picture of 1024 by 768, all else 0.
 void ResetImage() {
   Global().SendParameterReg.write(0, std::array<std::uint8_t, 512>{});
   Global().ScreenParaReg.write(0, std::array<std::uint8_t, 16>{});
-  for (const Put& put : {Put{0x24, "00040003"}, {0x2C, "0004"}, {0x1EC, "00040003"}}) {
-    device::PutImage(put.offset, put.hex);
-  }
+  PutImage("24:00040003 2c:0004 1ec:00040003");
   device::PutFlash(0xD17000, "00");
 }
 
-struct Effect {
-  const char* name;
-  std::vector<Put> before;
-  Put write;
-  std::string trace;
-  std::vector<Put> after = {};
-};
-
-void Check(const std::vector<Effect>& effects) {
+// Each row: what it is, the image before, the write, what that reaches, the image then.
+void Check(const char* table) {
   device::Begin("fpga flash shell bus info");
   Addr_HardWareBrightnessAdjust::UartDiscOvertime = 9;
   support::Trace trace;
-  for (const Effect& effect : effects) {
-    SCOPED_TRACE(effect.name);
+  for (const auto& row : support::Rows(5, table)) {
+    SCOPED_TRACE(row[0]);
     ResetImage();
-    for (const Put& put : effect.before) device::PutImage(put.offset, put.hex);
-    device::WriteFeature(effect.write.offset, effect.write.hex);
-    EXPECT_EQ(trace.Take(), effect.trace);
-    for (const Put& put : effect.after) {
-      EXPECT_EQ(Image(put.offset, std::strlen(put.hex) / 2), put.hex) << std::hex << put.offset;
-    }
+    PutImage(row[1]);
+    Write(row[2]);
+    EXPECT_EQ(Short(trace.TakeLine()), row[3]);
+    ExpectImage(row[4]);
   }
 }
 
 TEST(FeatureWrite, SetsOffWhatItsOffsetMeans) {
-  Check({
-      {"plain", {}, {0x45, "abcd"}, "fpga W 0x45 abcd\n" + kStored, {{0x45, "abcd00"}}},
-      {"up to the end", {}, {0x1F9, "01020304050607"}, kStored, {{0x1F9, "01020304050607"}}},
-      {"past the end", {}, {0x1F9, "0102030405060708"}, "", {{0x1F9, "00000000000000"}}},
-      {"UART overtime", {}, {0x3F, "09"}, kStored, {{0x3F, "09"}}},
-      {"power-on time",
-       {},
-       {0x21, "28"},
-       "fpga W 0x21 28\nshell envcfg set boot_screen 5\n" + kStored,
-       {{0x21, "28"}}},
-      {"power-on time of 35",
-       {},
-       {0x21, "23"},
-       "fpga W 0x21 23\nshell envcfg set boot_screen 0\n" + kStored},
-      {"power-on time of less",
-       {},
-       {0x21, "01"},
-       "fpga W 0x21 01\nshell envcfg set boot_screen 0\n" + kStored},
-      {"power-on time among others", {}, {0x21, "2800"}, "fpga W 0x21 2800\n" + kStored},
-      {"mirrored", {}, {0x4A, "0708"}, "owd 0x0200004a 07\nfpga W 0x4a 0708\n" + kStored},
-      {"low delay", {}, {0x74, "01"}, "owd 0x02000074 01\nfpga W 0x74 01\n" + kStored},
-      {"correction", {}, {0x9C, "1122"}, "fpga W 0x9c 1122\nowd 0x0200009c 1122\n" + kStored},
-      {"sync", {}, {0xD4, "01"}, "fpga W 0xd4 01\n" + kStored + "shell sync\n"},
-      {"4K",
-       {},
-       {0x1D8, "01"},
-       "fpga W 0x1d8 01\ninfo 1 0x020001d8 1 01\nflash W 0xa3b2d8 01\n" + kStored},
-      {"optical port mode",
-       {},
-       {0x1DA, "0203"},
-       "fpga W 0x1da 0203\nflash W 0xa3b2da 02\n" + kStored},
-  });
+  Check(R"(
+    plain           | | 45:abcd            | W 45 abcd; stored | 45:abcd00
+    up to the end   | | 1f9:01020304050607 | stored            | 1f9:01020304050607
+    past the end    | | 1f9:0102030405060708 |                 | 1f9:00000000000000
+    UART overtime   | | 3f:09   | stored                       | 3f:09
+    power-on time   | | 21:28   | W 21 28; shell envcfg set boot_screen 5; stored | 21:28
+    power-on, 35    | | 21:23   | W 21 23; shell envcfg set boot_screen 0; stored
+    power-on, more  | | 21:2800 | W 21 2800; stored
+    mirrored        | | 4a:0708 | owd 0x0200004a 07; W 4a 0708; stored
+    low delay       | | 74:01   | owd 0x02000074 01; W 74 01; stored
+    correction      | | 9c:1122 | W 9c 1122; owd 0x0200009c 1122; stored
+    sync            | | d4:01   | W d4 01; stored; shell sync
+    4K              | | 1d8:01  | W 1d8 01; info 1 0x020001d8 1 01; flash W 0xa3b2d8 01; stored
+    optical mode    | | 1da:0203 | W 1da 0203; flash W 0xa3b2da 02; stored
+  )");
 }
 
 TEST(FeatureWrite, SetsTheScreenSize) {
-  const std::string zero =
-      "shell echo \"Point:0 ,use adddr:0x20000%, wide:0 high:0, description:Read software para!!\""
-      " >> /root/screen_zero.txt\n";
-  const auto noted = [&](const char* offset) {
-    return std::string(zero).replace(zero.find('%'), 1, offset);
-  };
-  Check({
-      {"real size",
-       {},
-       {0x24, "8002e001"},
-       "fpga W 0x24 8002e001\nfpga W 0x1ec 00000000\n" + Size("00040000e0010000") + kStored,
-       {{0x1EC, "00000000"}}},
-      {"another register that ends in 24",
-       {},
-       {0x124, "01"},
-       "fpga W 0x124 01\nfpga W 0x1ec 00000000\n" + kStored,
-       {{0x1EC, "00000000"}}},
-      {"real height of a screen without size",
-       {{0x1EC, "00000000"}},
-       {0x26, "e001"},
-       noted("26") + "fpga W 0x26 e001\n" + Size("00040000e0010000") + kStored,
-       {{0x1EC, "0000e001"}}},
-      {"set width of a screen without size",
-       {{0x1EC, "00000000"}},
-       {0x2C, "2003"},
-       noted("2c") + "fpga W 0x2c 2003\n" + Size("2003000000030000") + kStored,
-       {{0x1EC, "20030000"}}},
-      {"real height of a screen with one",
-       {},
-       {0x26, "e001"},
-       "fpga W 0x26 e001\n" + Size("0004000000030000") + kStored,
-       {{0x1EC, "00040003"}}},
-      {"the size itself",
-       {},
-       {0x1EC, "00050003"},
-       "fpga W 0x1ec 00050003\n" + Size("0005000000030000") + kStored},
-      {"in bypass without the offsets",
-       {{0x1F8, "01"}, {0x28, "64003200"}},
-       {0x1EC, "00050003"},
-       "fpga W 0x1ec 00050003\n" + Size("9c040000ce020000") + kStored,
-       {{0x1EC, "00050003"}}},
-      {"in bypass smaller than an offset",
-       {{0x1F8, "01"}, {0x28, "64000003"}},
-       {0x1EC, "00050003"},
-       "fpga W 0x1ec 00050003\n" + Size("0005000000030000") + kStored},
-  });
+  Check(R"(
+    real size        | | 24:8002e001
+      | W 24 8002e001; W 1ec 00000000; size 00040000e0010000; stored | 1ec:00000000
+    another at ..24  | | 124:01      | W 124 01; W 1ec 00000000; stored | 1ec:00000000
+    height, no size  | 1ec:00000000 | 26:e001
+      | zero 26; W 26 e001; size 00040000e0010000; stored | 1ec:0000e001
+    width, no size   | 1ec:00000000 | 2c:2003
+      | zero 2c; W 2c 2003; size 2003000000030000; stored | 1ec:20030000
+    real height      | | 26:e001      | W 26 e001; size 0004000000030000; stored | 1ec:00040003
+    the size itself  | | 1ec:00050003 | W 1ec 00050003; size 0005000000030000; stored
+    less the offsets | 1f8:01 28:64003200 | 1ec:00050003
+      | W 1ec 00050003; size 9c040000ce020000; stored | 1ec:00050003
+    offset too large | 1f8:01 28:64000003 | 1ec:00050003
+      | W 1ec 00050003; size 0005000000030000; stored
+  )");
 }
 
 TEST(FeatureWrite, TouchesTheScreenSizeFromAndToTheseOffsets) {
@@ -157,11 +129,9 @@ TEST(FeatureWrite, TouchesTheScreenSizeFromAndToTheseOffsets) {
     bool touches;
   };
   constexpr Case kCases[] = {
-      {0x22, 1, false},  {0x22, 2, true},   {0x23, 1, true},   {0x27, 1, true},  {0x28, 1, false},
-      {0x28, 3, false},  {0x28, 4, true},   {0x2A, 1, false},  {0x2B, 1, true},  {0x2D, 1, true},
-      {0x2E, 1, false},  {0x18, 64, true},  {0x1EA, 1, false}, {0x1EB, 1, true}, {0x1EF, 1, true},
-      {0x1F0, 1, false}, {0x1F0, 8, false},
-  };
+      {0x22, 1, false}, {0x22, 2, true},  {0x27, 1, true},  {0x28, 3, false}, {0x28, 4, true},
+      {0x2B, 1, true},  {0x2D, 1, true},  {0x2E, 1, false}, {0x18, 64, true}, {0x1EA, 1, false},
+      {0x1EB, 1, true}, {0x1EF, 1, true}, {0x1F0, 1, false}};
   device::Begin("flash");
   support::Trace trace;
   for (const Case& c : kCases) {
@@ -173,209 +143,150 @@ TEST(FeatureWrite, TouchesTheScreenSizeFromAndToTheseOffsets) {
 }
 
 TEST(FeatureWrite, ChangesBypass) {
-  const std::string clear = "fpga W 0x91 0000\nfpga W 0xac 0000\n";
-  Check({
-      {"offsets from the registers",
-       {{0x1F8, "02"}, {0x2A, "3200"}},
-       {0x28, "6400"},
-       "owd 0x020001f0 9cffffffceffffff\nfpga W 0x28 6400\n" + clear + kStored,
-       {{0x1F8, "01"}, {0x1F0, "9cffffffceffffff"}}},
-      {"offsets while it is off",
-       {},
-       {0x28, "6400"},
-       "fpga W 0x28 6400\n" + kStored,
-       {{0x1F0, "0000000000000000"}}},
-      {"offsets of the service daemon",
-       {{0x1F8, "01"}, {0x2A, "0700"}},
-       {0x1F0, "ceffffff32000000"},
-       "fpga W 0x28 3200\nfpga W 0x91 0000\nfpga W 0x2a 3200\nfpga W 0xac ffff\n" + kStored,
-       {{0x1F8, "02"}, {0x28, "32000700"}, {0x1EC, "32040003"}}},
-      {"both offsets back",
-       {{0x1F8, "01"}, {0x28, "05000700"}},
-       {0x1F0, "0000000001000080"},
-       "fpga W 0x28 0000\nfpga W 0x91 0000\nfpga W 0x2a ffff\nfpga W 0xac 0000\n" + kStored,
-       {{0x28, "0000ffff"}, {0x1EC, "0004ff02"}}},
-      {"offsets of the service daemon while it is off",
-       {},
-       {0x1F0, "ceffffff32000000"},
-       kStored,
-       {{0x1F8, "00"}, {0x28, "00000000"}}},
-      {"one byte of them", {{0x1F8, "01"}}, {0x1F0, "ce"}, kStored, {{0x1F8, "01"}}},
-      {"on",
-       {{0x28, "64003200"}, {0x1F0, "0102030405060708"}},
-       {0x1F8, "a5"},
-       clear + "fpga W 0x28 64003200\n" + kStored +
-           "fpga W 0x28 00000000\nfpga W 0x1ec 9c03ce02\n" + Size("9c030000ce020000"),
-       {{0x1F8, "01"}, {0x28, "00000000"}, {0x1EC, "9c03ce02"}, {0x1F0, "0000000000000000"}}},
-      {"off",
-       {{0x1F8, "02"}, {0x28, "64000000"}},
-       {0x1F8, "00"},
-       clear + "fpga W 0x28 00000000\n" + kStored +
-           "fpga W 0x28 00000000\nfpga W 0x1ec 9c030003\n" + Size("9c03000000030000"),
-       {{0x1F8, "00"}, {0x28, "00000000"}, {0x1EC, "9c030003"}}},
-      {"any other value", {}, {0x1F8, "07"}, kStored, {{0x1F8, "07"}}},
-      {"more than the one byte", {}, {0x1F8, "a500"}, kStored, {{0x1F8, "a5"}}},
-  });
+  Check(R"(
+    from the registers | 1f8:02 2a:3200 | 28:6400
+      | owd 0x020001f0 9cffffffceffffff; W 28 6400; clear; stored
+      | 1f8:01 1f0:9cffffffceffffff
+    while it is off    | | 28:6400 | W 28 6400; stored | 1f0:0000000000000000
+    from the service   | 1f8:01 2a:0700 | 1f0:ceffffff32000000
+      | W 28 3200; W 91 0000; W 2a 3200; W ac ffff; stored | 1f8:02 28:32000700 1ec:32040003
+    both back          | 1f8:01 28:05000700 | 1f0:0000000001000080
+      | W 28 0000; W 91 0000; W 2a ffff; W ac 0000; stored | 28:0000ffff 1ec:0004ff02
+    the same, off      | | 1f0:ceffffff32000000 | stored | 1f8:00 28:00000000
+    one byte of them   | 1f8:01 | 1f0:ce | stored | 1f8:01
+    on    | 28:64003200 1f0:0102030405060708 | 1f8:a5
+      | clear; W 28 64003200; stored; W 28 00000000; W 1ec 9c03ce02; size 9c030000ce020000
+      | 1f8:01 28:00000000 1ec:9c03ce02 1f0:0000000000000000
+    off   | 1f8:02 28:64000000 | 1f8:00
+      | clear; W 28 00000000; stored; W 28 00000000; W 1ec 9c030003; size 9c03000000030000
+      | 1f8:00 28:00000000 1ec:9c030003
+    other | | 1f8:07   | stored | 1f8:07
+    more  | | 1f8:a500 | stored | 1f8:a5
+  )");
 }
 
 TEST(FeatureWrite, BypassMarksTheScreen) {
-  struct Case {
-    const char* screen;  // the first six of the screen's parameters
-    Put write;
-    const char* after;
-  };
-  constexpr Case kCases[] = {
-      {"005500000000", {0x1F0, "ceffffffc4ffffff"}, "015532003c00"},
-      {"000000000000", {0x1F0, "ceffffff3c000000"}, "030032000000"},
-      {"070011111111", {0x1F0, "320000003c000000"}, "070011111111"},
-      {"005511111111", {0x1F8, "a5"}, "015500000000"},
+  const char* const cases[][3] = {
+      // the head of the screen's parameters, a write, the head then
+      {"005500000000", "1f0:ceffffffc4ffffff", "015532003c00"},
+      {"000000000000", "1f0:ceffffff3c000000", "030032000000"},
+      {"070011111111", "1f0:320000003c000000", "070011111111"},
+      {"005511111111", "1f8:a5", "015500000000"},
   };
   device::Begin("none");
-  for (const Case& c : kCases) {
+  for (const auto& [screen, write, after] : cases) {
     ResetImage();
-    device::PutImage(0x1F8, "01");
-    Global().ScreenParaReg.write(0, inprocess::Bytes(c.screen));
-    device::WriteFeature(c.write.offset, c.write.hex);
-    EXPECT_EQ(device::Hex(Global().ScreenParaReg.snapshot<6>(0)), c.after);
+    PutImage("1f8:01");
+    Global().ScreenParaReg.write(0, inprocess::Bytes(screen));
+    Write(write);
+    EXPECT_EQ(device::Hex(Global().ScreenParaReg.snapshot<6>(0)), after);
   }
 }
 
 TEST(FeatureWrite, LowDelayInBypassNeedsGenlockAnd3DOff) {
-  struct Case {
-    const char* genlock;
-    const char* state3D;
-    bool passes;
-  };
-  const std::string asked = "flash R 0x202a x1\nflash R 0x2400 x1\n";
   device::Begin("fpga flash bus");
-  for (const Case& c : {Case{"00", "28", true}, {"00", "00", false}, {"01", "28", false}}) {
+  for (const auto& [genlock, state3D] : {std::pair{"00", "28"}, {"00", "00"}, {"01", "28"}}) {
+    const bool passes = genlock == std::string("00") && state3D == std::string("28");
     ResetImage();
-    device::PutImage(0x1F8, "01");
-    device::PutFlash(0x202A, c.genlock);
-    device::PutFlash(0x2400, c.state3D);
-    inprocess::Write(kBase + 0x74, inprocess::Bytes("01"));
+    PutImage("1f8:01");
+    device::PutFlash(0x202A, genlock);
+    device::PutFlash(0x2400, state3D);
     support::Trace trace;
-    inprocess::DrainQueue();
-    EXPECT_EQ(trace.Take(),
-              asked + (c.passes ? "owd 0x02000074 01\nfpga W 0x74 01\n" + kStored : ""));
-    EXPECT_EQ(Image(0x74, 1), c.passes ? "01" : "00");
+    Write("74:01");
+    EXPECT_EQ(Short(trace.TakeLine()), std::string("flash R 0x202a x1; flash R 0x2400 x1") +
+                                           (passes ? "; owd 0x02000074 01; W 74 01; stored" : ""));
+    ExpectImage(passes ? "74:01" : "74:00");
   }
 }
 
 TEST(FeatureWrite, SetsFlags) {
-  device::Begin("none");
-  device::PutImage(0x1EC, "80008000");
-  device::WriteFeature(0x1DF, "00");
-  EXPECT_TRUE(Tprocess_ctl::OptToNetEnableOnce());
   struct Case {
-    Put write;
+    const char* write;
     int highSpeed, test;
   };
-  for (const Case& c : {Case{{0x1E9, "01"}, 1, 0},
-                        {{0x1E9, "0200"}, 1, 0},
-                        {{0x1E9, "02"}, 0, 0},
-                        {{0x1EF, "01"}, 0, 1},
-                        {{0x1EE, "0000"}, 0, 1},
-                        {{0x1EF, "00"}, 0, 0}}) {
-    device::WriteFeature(c.write.offset, c.write.hex);
-    EXPECT_EQ(Global()._gCorroentHighSpeed, c.highSpeed) << c.write.hex;
-    EXPECT_EQ(Global().RWFPGATestflag, c.test) << c.write.hex;
+  constexpr Case kCases[] = {{"1e9:01", 1, 0}, {"1e9:0200", 1, 0}, {"1e9:02", 0, 0},
+                             {"1ef:01", 0, 1}, {"1ee:0000", 0, 1}, {"1ef:00", 0, 0}};
+  device::Begin("none");
+  ResetImage();
+  Write("1df:00");
+  EXPECT_TRUE(Tprocess_ctl::OptToNetEnableOnce());
+  for (const Case& c : kCases) {
+    Write(c.write);
+    EXPECT_EQ(Global()._gCorroentHighSpeed, c.highSpeed) << c.write;
+    EXPECT_EQ(Global().RWFPGATestflag, c.test) << c.write;
   }
 }
 
 TEST(FeatureWrite, UartOvertimeReachesTheBrightnessPlans) {
   using Brightness = Addr_HardWareBrightnessAdjust;
   struct Case {
-    Put write;
+    const char* write;
     int overtime_s;
     bool stores, heard;
   };
+  constexpr Case kCases[] = {{"3f:07", 7, true, true},
+                             {"45:00", 7, false, false},
+                             {"3f:07", 7, false, true},
+                             {"3f:00", 7, false, true},
+                             {"3e:0008", 8, true, false}};
   device::Begin("flash");
-  device::PutImage(0x1EC, "80008000");
+  ResetImage();
   support::Trace trace;
   Brightness::UartDiscOvertime = 0x28;
-  for (const Case& c : {Case{{0x3F, "07"}, 7, true, true},
-                        {{0x45, "00"}, 7, false, false},
-                        {{0x3F, "07"}, 7, false, true},
-                        {{0x3F, "00"}, 7, false, true},
-                        {{0x3E, "0008"}, 8, true, false}}) {
+  for (const Case& c : kCases) {
     Brightness::DevComLinkState = 0;
-    device::WriteFeature(c.write.offset, c.write.hex);
-    EXPECT_EQ(Brightness::UartDiscOvertime, c.overtime_s) << c.write.hex;
-    EXPECT_EQ(support::Count(trace.Take(), "flash W 0xb8b000") > 0, c.stores) << c.write.hex;
-    EXPECT_EQ(Brightness::DevComLinkState, c.heard ? 1 : 0) << c.write.hex;
+    Write(c.write);
+    EXPECT_EQ(Brightness::UartDiscOvertime, c.overtime_s) << c.write;
+    EXPECT_EQ(support::Count(trace.Take(), "flash W 0xb8b000") > 0, c.stores) << c.write;
+    EXPECT_EQ(Brightness::DevComLinkState, c.heard ? 1 : 0) << c.write;
   }
 }
 
 TEST(FeatureWrite, OffsetsInBypassArePassedOnUnlessTheServiceDaemonSetThem) {
-  struct Case {
-    std::uint32_t sender;
-    Put write;
-    const char* mode;
-    const char* passedOn;
-  };
   device::Begin("bus");
-  const std::uint32_t owd = TaskId(cardsel_bit_self(), task::kOwd);
-  const std::uint32_t kye = TaskId(cardsel_bit_self(), task::kKye);
-  const Case cases[] = {
-      {kye, {0x28, "6400"}, "01", "owd 0x020001f0 9cfffffff6ffffff\n"},
-      {kye, {0x28, "64000001"}, "02", "owd 0x020001f0 9cffffff00ffffff\n"},
-      {kye, {0x2A, "0001"}, "01", "owd 0x020001f0 fbffffff00ffffff\n"},
-      {kye, {0x28, "6400"}, "00", ""},
-      {owd, {0x28, "6400"}, "01", ""},
-      {kye, {0x28, "640001"}, "01", ""},
-      {kye, {0x2A, "00010000"}, "01", ""},
-      {kye, {0x29, "0001"}, "01", ""},
-  };
-  for (const Case& c : cases) {
+  for (const auto& row : support::Rows(4, R"(
+      kye | 28:6400     | 1f8:01 | owd 0x020001f0 9cfffffff6ffffff
+      kye | 28:64000001 | 1f8:02 | owd 0x020001f0 9cffffff00ffffff
+      kye | 2a:0001     | 1f8:01 | owd 0x020001f0 fbffffff00ffffff
+      kye | 28:6400     | 1f8:00
+      owd | 28:6400     | 1f8:01
+      kye | 28:640001   | 1f8:01
+      kye | 29:0001     | 1f8:01
+    )")) {
     ResetImage();
-    device::PutImage(0x28, "05000a00");
-    device::PutImage(0x1F8, c.mode);
-    auto request = inprocess::WriteRequest(kBase + c.write.offset, inprocess::Bytes(c.write.hex));
-    request.ipcHeader.uiid = c.sender;
+    PutImage("28:05000a00 " + row[2]);
+    const Put write = Puts(row[1])[0];
+    auto request =
+        inprocess::WriteRequest(kBase + write.offset, inprocess::Bytes(write.hex.c_str()));
+    request.ipcHeader.uiid = TaskId(cardsel_bit_self(), row[0] == "owd" ? task::kOwd : task::kKye);
     support::Trace trace;
     inprocess::Serve(request);
-    EXPECT_EQ(trace.Take(), c.passedOn) << c.write.hex << " " << c.mode;
+    EXPECT_EQ(Short(trace.TakeLine()), row[3]) << row[1] << " " << row[2];
     inprocess::DrainQueue();
   }
 }
 
 TEST(FeatureWrite, FailuresAreLoggedAndTheRestRuns) {
   struct Case {
-    Put write;
+    const char* write;
     Fault fault;
-    int passing;
     const char* log;
   };
   constexpr Case kCases[] = {
-      {{0x1DA, "01"},
-       Fault::kFlashWrite,
-       0,
-       "Error === DoWriteFeatureInfo =========OptPort mode WriteDataToFlash failed !\n"},
-      {{0x1D8, "01"},
-       Fault::kFlashWrite,
-       0,
-       "Error === DoWriteFeatureInfo =========vio4K WriteDataToFlash failed !\n"},
-      {{0x45, "ab"},
-       Fault::kFlashWrite,
-       0,
-       "Error === DoWriteFeatureInfo ========= WriteDataToFlash failed !\n"},
-      {{0x45, "ab"},
-       Fault::kFpgaWrite,
-       0,
-       "Error >>>>>>>>>>>>>>>>>>>>> FPGA Write Fail<<<<<<<<<<<<<<<<<<<\n"
-       "Error === ====== Read Fpga Status para = 1  =========\n"
-       "Error >>>>>>>>>>>>>>>>>>>>>Read FPGA Status Up<<<<<<<<<<<<<<<<<<<\n"},
+      {"1da:01", Fault::kFlashWrite, "=========OptPort mode WriteDataToFlash failed !\n"},
+      {"1d8:01", Fault::kFlashWrite, "=========vio4K WriteDataToFlash failed !\n"},
+      {"45:ab", Fault::kFlashWrite, "========= WriteDataToFlash failed !\n"},
+      {"45:ab", Fault::kFpgaWrite, "FPGA Status Up<<<<<<<<<<<<<<<<<<<\n"},
   };
   device::Begin("flash");
-  device::PutImage(0x1EC, "80008000");
+  ResetImage();
   device::Log log(0);
   for (const Case& c : kCases) {
     support::Trace trace;
     SetFaultCount(c.fault, 3);
-    device::WriteFeature(c.write.offset, c.write.hex);
-    EXPECT_EQ(log.Take(), c.log);
-    EXPECT_EQ(Image(c.write.offset, 1), c.write.hex) << "the array holds the client's value";
+    Write(c.write);
+    EXPECT_TRUE(log.Take().ends_with(c.log)) << c.log;
+    ExpectImage(c.write);  // the client's value
     EXPECT_GE(support::Count(trace.Take(), "flash W 0xa3b100"), 1);
   }
 }

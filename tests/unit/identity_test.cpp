@@ -1,12 +1,15 @@
 // The device's identity between flash and the environment store: at start, at reads, at writes.
 #include <gtest/gtest.h>
 
+#include <map>
+
 #include "board/envstore.h"
 #include "board/faults.h"
 #include "board/files.h"
 #include "proto/calc_identity.h"
 #include "support/device.h"
 #include "support/inprocess.h"
+#include "support/rows.h"
 #include "support/trace.h"
 
 namespace {
@@ -19,7 +22,6 @@ using device::Global;
 
 constexpr std::uint32_t kArea = 0x1000;
 constexpr std::uint32_t kSerial = 0x1016;
-constexpr char kDefault[] = "13030d00ffffffff";
 constexpr char kOld[] = "1122334455667788";  // what flash holds beforehand
 
 void PutEnv(const char* key, const char* value) {
@@ -45,52 +47,37 @@ TEST(Identity, HexToBytes) {
   }
 }
 
-// --- The serial number --------------------------------------------------------------------------
-
-struct Serial {
-  const char* name;
-  const char* env;         // null for none
-  const char* afterStart;  // in the environment
-  const char* afterRead;
-  const char* flash;
-  const char* read;  // what a read gives
-  const char* log;
-};
-
-constexpr Serial kSerials[] = {
-    {"none", nullptr, kDefault, "(none)", kDefault, kOld,
-     "Error === SNTransfer ===The SN_ADDR at env is not exist, set the default SN_ADDR now. "},
-    {"blank", "0000000000000000", kDefault, kDefault, kDefault, kOld,
-     "Info The SN_ADDR at env is equal to SN_0, set the default SN_ADDR now."},
-    {"nearly blank", "0000000000000001", "0000000000000001", "0000000000000001", "0000000000000001",
-     "0000000000000001", "Info The SN_ADDR at env is not equal to SN_0, won't change it."},
-    {"capitals", "A1B2C3D4E5F60718", "A1B2C3D4E5F60718", "A1B2C3D4E5F60718", "a1b2c3d4e5f60718",
-     "a1b2c3d4e5f60718", "Info The SN_ADDR at env is not equal to SN_0, won't change it."},
-    {"too short", "12", "12", "12", "1200000000000000", "1200000000000000",
-     "Info The SN_ADDR at env is not equal to SN_0, won't change it."},
-    {"no digits", "zz34567890abcdez", "zz34567890abcdez", "zz34567890abcdez", "0034567890abcde0",
-     "0034567890abcde0", "Info The SN_ADDR at env is not equal to SN_0, won't change it."},
-};
-
 TEST(Identity, SerialNumberIsTheEnvironmentsAtStartAndAtReads) {
+  const std::map<std::string, const char*> logs = {
+      {"none", "Error === SNTransfer ===The SN_ADDR at env is not exist, set the default SN_ADDR"},
+      {"blank", "Info The SN_ADDR at env is equal to SN_0, set the default SN_ADDR now."},
+      {"kept", "Info The SN_ADDR at env is not equal to SN_0, won't change it."}};
   device::Begin("none");
   device::Log log;
-  for (const Serial& serial : kSerials) {
-    SCOPED_TRACE(serial.name);
-    PutEnv("device_sn", serial.env);
-    device::PutFlash(kSerial, kOld);
-    log.Take();
-    Global().SNTransfer();
-    EXPECT_EQ(Env("device_sn"), serial.afterStart);
-    EXPECT_EQ(Flash(kSerial, 8), serial.flash);
-    EXPECT_EQ(support::Count(log.Take(), serial.log), 1);
-
-    PutEnv("device_sn", serial.env);
-    device::PutFlash(kSerial, kOld);
-    EXPECT_EQ(device::Hex(inprocess::Read(22, 8).m_data), serial.read);
-    EXPECT_EQ(Env("device_sn"), serial.afterRead);
-    EXPECT_EQ(Flash(kSerial, 8), serial.flash);
-    EXPECT_EQ(support::Count(log.Take(), serial.log), 1);
+  // What the environment holds, whose word counts, the environment after a start and after a read,
+  // flash after both, and what a read gives.
+  for (const auto& row : support::Rows(6, R"(
+      (none)           | none  | 13030d00ffffffff | (none)           | 13030d00ffffffff | 1122334455667788
+      0000000000000000 | blank | 13030d00ffffffff | 13030d00ffffffff | 13030d00ffffffff | 1122334455667788
+      0000000000000001 | kept  | 0000000000000001 | 0000000000000001 | 0000000000000001 | 0000000000000001
+      A1B2C3D4E5F60718 | kept  | A1B2C3D4E5F60718 | A1B2C3D4E5F60718 | a1b2c3d4e5f60718 | a1b2c3d4e5f60718
+      12               | kept  | 12               | 12               | 1200000000000000 | 1200000000000000
+      zz34567890abcdez | kept  | zz34567890abcdez | zz34567890abcdez | 0034567890abcde0 | 0034567890abcde0
+    )")) {
+    SCOPED_TRACE(row[0]);
+    for (const bool read : {false, true}) {
+      PutEnv("device_sn", row[0] == "(none)" ? nullptr : row[0].c_str());
+      device::PutFlash(kSerial, kOld);
+      log.Take();
+      if (read) {
+        EXPECT_EQ(device::Hex(inprocess::Read(22, 8).m_data), row[5]);
+      } else {
+        Global().SNTransfer();
+      }
+      EXPECT_EQ(Env("device_sn"), row[read ? 3 : 2]);
+      EXPECT_EQ(Flash(kSerial, 8), row[4]);
+      EXPECT_EQ(support::Count(log.Take(), logs.at(row[1])), 1);
+    }
   }
 }
 
@@ -108,9 +95,6 @@ TEST(Identity, ClosedEnvironmentLeavesFlashAsItIs) {
   EXPECT_EQ(Flash(kSerial, 8), kOld);
 }
 
-// --- Reads
-// ----------------------------------------------------------------------------------------
-
 TEST(Identity, ReadReplacesSerialAndModelWhereItCoversThem) {
   device::Begin("none");
   std::string area;
@@ -123,74 +107,58 @@ TEST(Identity, ReadReplacesSerialAndModelWhereItCoversThem) {
   struct Case {
     std::uint32_t offset;
     std::uint16_t length;
-    bool model, serial;
-    const char* data;  // null for the bytes of flash with what is replaced
+    std::uint16_t given;  // bytes
+    bool model, serial;   // replaced
   };
-  constexpr Case kCases[] = {{0, 256, true, true, nullptr},  {2, 2, true, false, nullptr},
-                             {2, 1, false, false, nullptr},  {3, 2, false, false, nullptr},
-                             {0, 4, true, false, nullptr},   {22, 8, false, true, nullptr},
-                             {22, 7, false, false, nullptr}, {23, 8, false, false, nullptr},
-                             {21, 10, false, true, nullptr}, {250, 6, false, false, nullptr},
-                             {250, 7, false, false, ""},     {256, 0, false, false, nullptr},
-                             {257, 0, false, false, ""},     {0x1002, 2, false, false, ""}};
+  constexpr Case kCases[] = {
+      {0, 256, 256, true, true}, {2, 2, 2, true, false},    {2, 1, 1, false, false},
+      {3, 2, 2, false, false},   {22, 8, 8, false, true},   {22, 7, 7, false, false},
+      {23, 8, 8, false, false},  {21, 10, 10, false, true}, {250, 6, 6, false, false},
+      {250, 7, 0, false, false}, {257, 0, 0, false, false}, {0x1002, 2, 0, false, false}};
   for (const Case& c : kCases) {
-    SCOPED_TRACE(c.offset * 1000 + c.length);
     device::PutFlash(kArea, area.c_str());
-    std::string expected = area;
+    std::string expected = area + std::string(0x4000, 'x');
     if (c.model) expected.replace(4, 4, "2b1a");
     if (c.serial) expected.replace(44, 16, "a1a2a3a4a5a6a7a8");
     const auto reply = inprocess::Read(c.offset, c.length);
     EXPECT_EQ(reply.m_ucAck, 0);
-    EXPECT_EQ(
-        device::Hex(reply.m_data),
-        c.data != nullptr ? c.data : expected.substr(2 * c.offset, 2 * std::size_t{c.length}));
+    EXPECT_EQ(device::Hex(reply.m_data), expected.substr(2 * c.offset, 2 * std::size_t{c.given}))
+        << c.offset << " " << c.length;
   }
   SetFaultCount(Fault::kFlashRead, 3);
   EXPECT_EQ(device::Hex(inprocess::Read(20, 12).m_data), "0000a1a2a3a4a5a6a7a80000")
       << "what can't be read goes out as zeros";
 }
 
-// --- Writes
-// ---------------------------------------------------------------------------------------
-
-struct Write {
-  const char* name;
-  std::uint32_t offset;
-  std::string data;
-  std::size_t changed;     // from here on
-  std::string now;         // stands in flash
-  const char* trace = "";  // between the read and the write of the area
-};
-
-const Write kWrites[] = {
-    {"model", 2, "a1a2", 2, "a1a2"},
-    {"model and more", 2, "a1a2a3", 0, ""},
-    {"bytes 7 and 8", 7, "b1b2", 7, "b1b2"},
-    {"bytes 10 and 11", 10, "c1c2", 10, "c1c2"},
-    {"bytes 10 and 11, and more", 10, "c1c2c3c4", 10, "c1c2"},
-    {"byte 10", 10, "c1", 10, "c1"},
-    {"nobody's byte", 6, "d1d2", 0, ""},
-    {"nearly all", 0, std::string(510, '7'), 0, ""},
-    {"all", 0, std::string(512, '7'), 22, std::string(16, '7'),
-     "env set device_sn 7777777777777777\n"},
-    {"address", 0x3D, "00aabbccddeeff", 61, "00aabbccddeeff",
-     "shell /usr/brm100/bin/fw_setenv ethaddr aa:bb:cc:dd:ee:ff\nenv set ethaddr_set 1\n"},
-    {"address without its first byte", 0x3E, "aabbccddeeff", 0, ""},
-};
-
 TEST(Identity, WriteTakesWhatIsTheClientsAndNothingElse) {
+  const std::string all(512, '7');
   device::Begin("flash shell env");
-  for (const Write& write : kWrites) {
-    SCOPED_TRACE(write.name);
+  // Where and what is written, where flash changes, to what, and what is reached in between.
+  for (const auto& row : support::Rows(5, R"(
+      2  | a1a2           | 2  | a1a2
+      2  | a1a2a3
+      7  | b1b2           | 7  | b1b2
+      10 | c1c2           | 10 | c1c2
+      10 | c1c2c3c4       | 10 | c1c2
+      10 | c1             | 10 | c1
+      6  | d1d2
+      0  | )" + all.substr(2) + R"(
+      0  | )" + all + R"( | 22 | 7777777777777777 | env set device_sn 7777777777777777
+      61 | 00aabbccddeeff | 61 | 00aabbccddeeff
+         | shell /usr/brm100/bin/fw_setenv ethaddr aa:bb:cc:dd:ee:ff; env set ethaddr_set 1
+      62 | aabbccddeeff
+    )")) {
+    SCOPED_TRACE(row[0] + " " + row[1]);
     std::string area(512, '1');
     device::PutFlash(kArea, area.c_str());
     support::Trace trace;
-    EXPECT_EQ(inprocess::Write(write.offset, inprocess::Bytes(write.data.c_str())).m_ucAck, 0);
+    const auto offset = static_cast<std::uint32_t>(std::stoul(row[0]));
+    EXPECT_EQ(inprocess::Write(offset, inprocess::Bytes(row[1].c_str())).m_ucAck, 0);
     EXPECT_EQ(trace.Take(), "");
     EXPECT_EQ(inprocess::DrainQueue(), 1);
-    EXPECT_EQ(trace.Take(),
-              std::string("flash R 0x1000 x256\n") + write.trace + "flash W 0x1000 x256\n");
-    area.replace(2 * write.changed, write.now.size(), write.now);
+    EXPECT_EQ(trace.TakeLine(), "flash R 0x1000 x256; " + row[4] + (row[4].empty() ? "" : "; ") +
+                                    "flash W 0x1000 x256");
+    if (!row[2].empty()) area.replace(2 * std::stoul(row[2]), row[3].size(), row[3]);
     EXPECT_EQ(Flash(kArea, 256), area);
   }
   inprocess::Write(250, inprocess::Bytes("01020304050607"));
@@ -226,9 +194,6 @@ TEST(Identity, WriteGoesOnWithoutEnvironmentAndWithoutTheOldArea) {
   }
 }
 
-// --- Start
-// ----------------------------------------------------------------------------------------
-
 TEST(Identity, StartFixesTheFirstBytesAndLeavesTheRest) {
   device::Begin("flash");
   device::PutFlash(kArea, std::string(512, '1').c_str());
@@ -239,10 +204,7 @@ TEST(Identity, StartFixesTheFirstBytesAndLeavesTheRest) {
   area.replace(4, 14, "14110200a80004");
   area.replace(62, 2, "55");
   EXPECT_EQ(Flash(kArea, 256), area);
-  auto& reg = Data_Preset::getInstance()->BasicHardWareReg;
-  EXPECT_EQ(reg[30], 0);
-  EXPECT_EQ(reg[31], 0x55);
-  EXPECT_EQ(reg[61], 0x11);
+  EXPECT_EQ(device::Hex(Data_Preset::getInstance()->BasicHardWareReg.snapshot<3>(29)), "110055");
 }
 
 }  // namespace

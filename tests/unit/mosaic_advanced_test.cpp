@@ -20,23 +20,20 @@ TEST(MosaicAdvanced, RecordByteByByte) {
   record[10] = 0x34, record[11] = 0x12;
   record[12] = 0x78, record[13] = 0x56;
   const AdvancedPort port = ReadAdvancedPort(record);
-  EXPECT_EQ(port.mode, 5);
-  EXPECT_EQ(port.rows, 22);
-  EXPECT_EQ(port.columns, 23);
-  EXPECT_EQ(port.x, 0x1234);
-  EXPECT_EQ(port.y, 0x5678);
+  EXPECT_EQ((std::array<int, 5>{port.mode, port.rows, port.columns, port.x, port.y}),
+            (std::array<int, 5>{5, 22, 23, 0x1234, 0x5678}));
 }
 
 TEST(MosaicAdvanced, Limits) {
-  AdvancedPorts ports;
-  ports[3] = {.rows = 23, .columns = 23};
-  EXPECT_FALSE(WithinLimits(ports)) << "529 on a port";
-  ports[3] = {.rows = 22, .columns = 23};
-  EXPECT_TRUE(WithinLimits(ports));
-  ports.fill({.rows = 41, .columns = 5});
-  EXPECT_FALSE(WithinLimits(ports)) << "2050 on all";
-  ports.fill({.rows = 51, .columns = 4});
-  EXPECT_TRUE(WithinLimits(ports)) << "2040 on all";
+  const auto within = [](std::size_t ports, AdvancedPort port) {
+    AdvancedPorts all;
+    std::fill_n(all.begin(), ports, port);
+    return WithinLimits(all);
+  };
+  EXPECT_FALSE(within(1, {.rows = 23, .columns = 23})) << "529 on a port";
+  EXPECT_TRUE(within(1, {.rows = 22, .columns = 23}));
+  EXPECT_FALSE(within(10, {.rows = 41, .columns = 5})) << "2050 on all";
+  EXPECT_TRUE(within(10, {.rows = 51, .columns = 4})) << "2040 on all";
 }
 
 TEST(MosaicAdvanced, TwoPortsSideBySide) {

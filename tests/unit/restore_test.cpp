@@ -1,6 +1,7 @@
 // The boot restore: flash into the arrays, the arrays into the FPGA, and a first boot.
 #include <gtest/gtest.h>
 
+#include <regex>
 #include <sstream>
 
 #include "board/envstore.h"
@@ -8,6 +9,7 @@
 #include "proto/porttables.h"
 #include "support/device.h"
 #include "support/inprocess.h"
+#include "support/rows.h"
 #include "support/trace.h"
 
 namespace {
@@ -102,31 +104,23 @@ TEST(Restore, OnlineSendsTheArraysInOrderAndClosesTheOutput) {
 }
 
 TEST(Restore, BypassGoesOutByItsMode) {
-  struct Case {
-    const char* mode;
-    const char* offsets;     // at 0x28
-    const char* signedOnes;  // at 0x1F0
-    const char* sent;
-  };
-  static constexpr char kFromRegisters[] =
-      "fpga W 0x91 0000\nfpga W 0xac 0000\nfpga W 0x28 64003200\n";
-  constexpr Case kCases[] = {
-      {"00", "64003200", "9cffffffceffffff", ""},
-      {"01", "64003200", "9cffffffceffffff", kFromRegisters},
-      {"a5", "64003200", "0000000000000000", kFromRegisters},
-      {"02", "00000000", "9cffffff64000000",
-       "fpga W 0x28 6400\nfpga W 0x91 0000\nfpga W 0x2a 6400\nfpga W 0xac ffff\n"},
-      {"02", "64003200", "0000000001000180",
-       "fpga W 0x28 0000\nfpga W 0x91 0000\nfpga W 0x2a ffff\nfpga W 0xac 0000\n"},
-  };
   device::Begin("fpga flash env shell");
   support::Trace trace;
-  for (const Case& c : kCases) {
-    PutFlash(kStored + 0x28, c.offsets);
-    PutFlash(kStored + 0x1F0, c.signedOnes);
-    PutFlash(kStored + 0x1F8, c.mode);
+  // The mode, the offsets at 0x28 and at 0x1F0, and what goes out.
+  for (const auto& row : support::Rows(4, R"(
+      00 | 64003200 | 9cffffffceffffff |
+      01 | 64003200 | 9cffffffceffffff | 91 0000, ac 0000, 28 64003200
+      a5 | 64003200 | 0000000000000000 | 91 0000, ac 0000, 28 64003200
+      02 | 00000000 | 9cffffff64000000 | 28 6400, 91 0000, 2a 6400, ac ffff
+      02 | 64003200 | 0000000001000180 | 28 0000, 91 0000, 2a ffff, ac 0000
+    )")) {
+    PutFlash(kStored + 0x28, row[1].c_str());
+    PutFlash(kStored + 0x1F0, row[2].c_str());
+    PutFlash(kStored + 0x1F8, row[0].c_str());
     Restore(true);
-    EXPECT_EQ(trace.Take(), Order(true, c.sent)) << c.mode << " " << c.signedOnes;
+    const std::regex access("(\\w+ \\w+),? ?");
+    EXPECT_EQ(trace.Take(), Order(true, std::regex_replace(row[3], access, "fpga W 0x$1\n")))
+        << row[0] << " " << row[2];
   }
 }
 
@@ -143,28 +137,10 @@ TEST(Restore, RoleInTheFpgaEndsNormalOperation) {
 }
 
 TEST(Restore, FirstBootStartsAsOneCard) {
-  constexpr char kBegin[] = R"(flash R 0xa3b100 x512
-flash R 0xa60010 x1
-%flash R 0xc20040 x15
-env get firstboot
-flash R 0xc20000 x8
-flash R 0xc20008 x8
-flash W 0xc20000 6000000060000000
-flash W 0xd17000 00
-flash R 0xc20000 x8
-)";
-  constexpr char kEnd[] = R"(shell sync
-flash R 0xb99000 x1
-fpga R 0x18 x4
-owd 0x02000018 00000000
-fpga R 0x98 x4
-owd 0x02000098 00000000
-fpga R 0x100 x8
-owd 0x02000100 0000000000000000
-)";
-  const auto begin = [&](const char* online) {
-    return std::string(kBegin).replace(std::string(kBegin).find('%'), 1, online);
-  };
+  const std::string stored =
+      "flash R 0xc20040 x15; env get firstboot; flash R 0xc20000 x8; flash R 0xc20008 x8; "
+      "flash W 0xc20000 6000000060000000; flash W 0xd17000 00; flash R 0xc20000 x8";
+  const std::string begin = "flash R 0xa3b100 x512; flash R 0xa60010 x1; ";
   device::Begin("fpga flash env shell bus");
   PutFlash(0xC20000, "6000000060000000 6000000060000000");
   PutFlash(0xD17000, "05");
@@ -172,20 +148,23 @@ owd 0x02000100 0000000000000000
   board::WriteEnv("firstboot", "1");
   support::Trace trace;
   Restore(false);
-  EXPECT_EQ(trace.Take(), begin(""));
+  EXPECT_EQ(trace.TakeLine(), begin + stored);
   EXPECT_EQ(board::ReadEnv("firstboot"), "1");
   EXPECT_EQ(Global().ReceiveCardWidth, 0x60);
   EXPECT_EQ(Image(0x1EC, 4), "60006000");
   EXPECT_EQ(factory_flag, 1);
 
   Restore(true);
-  const std::string lines = trace.Take();
-  EXPECT_TRUE(lines.starts_with(begin("fpga R 0x9d x1\n") + "shell envcfg set firstboot 0\n" +
-                                "flash W 0xc20040 x15\n"))
+  const std::string lines = trace.TakeLine();
+  EXPECT_TRUE(lines.starts_with(begin + "fpga R 0x9d x1; " + stored +
+                                "; shell envcfg set firstboot 0; flash W 0xc20040 x15; "))
       << lines;
-  EXPECT_TRUE(lines.ends_with(kEnd)) << lines;
-  EXPECT_EQ(support::Count(lines, "fpga W 0x60"), 40) << "the layout of one card";
-  EXPECT_EQ(support::Count(lines, "fpga W 0x1de"), 0) << "the rest of a restore is skipped";
+  EXPECT_TRUE(lines.ends_with(
+      "; shell sync; flash R 0xb99000 x1; fpga R 0x18 x4; owd 0x02000018 00000000; fpga R 0x98 x4; "
+      "owd 0x02000098 00000000; fpga R 0x100 x8; owd 0x02000100 0000000000000000"))
+      << lines;
+  EXPECT_EQ(lines.find("fpga W 0x1de"), lines.npos) << "the rest of a restore is skipped";
+  EXPECT_EQ(Fpga(0x609FFC, 4), "00000000") << "the layout of one card";
   EXPECT_EQ(board::ReadEnv("firstboot"), "0");
   EXPECT_EQ(Global().LEDConfigStatus, 0xA8);
 
@@ -195,35 +174,25 @@ owd 0x02000100 0000000000000000
 }
 
 TEST(Restore, SizesInFlash) {
-  struct Case {
-    const char* stored;
-    int result;
-    std::uint32_t width, height;  // of a screen
-    std::uint32_t cardWidth, cardHeight;
-    const char* log;  // with % for the name's end
-  };
-  constexpr Case kCases[] = {
-      {"8001000090000000", 0, 384, 144, 384, 144, "Info =======Read FromFlash %Size = 384 144\n"},
-      {"0000000000000000", -1, 0, 0, 128, 128,
-       "Error =======Read FromFlash %SizeW = 0\nError =======Read FromFlash %SizeH = 0\n"},
-      {"0001000000000000", -1, 256, 0, 256, 128, "Error =======Read FromFlash %SizeH = 0\n"},
-  };
   device::Begin("none");
   device::Log log;
-  for (const Case& c : kCases) {
+  // What is stored, the result, the screen's size, the card's, and the log with % for either name.
+  for (const auto& row : support::Rows(5, R"(
+      8001000090000000 | 0  | 384 144 | 384 144 | Info =======Read FromFlash %Size = 384 144;
+      0000000000000000 | -1 | 0 0     | 128 128
+        | Error =======Read FromFlash %SizeW = 0;Error =======Read FromFlash %SizeH = 0;
+      0001000000000000 | -1 | 256 0   | 256 128 | Error =======Read FromFlash %SizeH = 0;
+    )")) {
     std::uint32_t size[2] = {};
-    PutFlash(0xC20000, c.stored);
-    PutFlash(0xC20008, c.stored);
+    const auto shown = [&] { return std::to_string(size[0]) + " " + std::to_string(size[1]); };
+    PutFlash(0xC20000, (row[0] + row[0]).c_str());
     log.Take();
-    EXPECT_EQ(Global().Read_ScreenSize_FromFlash(size), c.result);
-    EXPECT_EQ(std::pair(size[0], size[1]), std::pair(c.width, c.height));
-    std::string expected = c.log;
-    for (std::size_t at; (at = expected.find('%')) != expected.npos;) {
-      expected.replace(at, 1, "Screen");
-    }
-    EXPECT_TRUE(log.Take().ends_with(expected)) << expected;
-    EXPECT_EQ(Global().Read_CardSize_FromFlash(size), c.result);
-    EXPECT_EQ(std::pair(size[0], size[1]), std::pair(c.cardWidth, c.cardHeight));
+    EXPECT_EQ(std::to_string(Global().Read_ScreenSize_FromFlash(size)), row[1]);
+    EXPECT_EQ(shown(), row[2]);
+    const auto named = std::regex_replace(row[4], std::regex("%"), "Screen");
+    EXPECT_TRUE(log.Take().ends_with(std::regex_replace(named, std::regex(";"), "\n"))) << named;
+    EXPECT_EQ(std::to_string(Global().Read_CardSize_FromFlash(size)), row[1]);
+    EXPECT_EQ(shown(), row[3]);
   }
   SetFaultCount(Fault::kFlashRead, 3);
   std::uint32_t size[2] = {1, 1};

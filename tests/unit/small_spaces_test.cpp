@@ -5,6 +5,7 @@
 #include "board/faults.h"
 #include "support/device.h"
 #include "support/inprocess.h"
+#include "support/rows.h"
 #include "support/trace.h"
 
 namespace {
@@ -26,63 +27,46 @@ std::string Written(std::uint32_t address, const Data& data) {
 TEST(SmallSpaces, WritesReachTheirFlashAndReadBack) {
   struct Case {
     std::uint32_t address;
-    std::size_t length;
+    std::uint16_t length;
     const char* trace;
+    int status;  // of the screen's configuration
   };
   constexpr Case kCases[] = {
-      {0x05000000, 1, "flash W 0xc30000 07\n"},
-      {0x0500FFFE, 2, "flash W 0xc3fffe 0707\n"},
-      {0x05060000, 300, "flash W 0xc90000 x256\nflash W 0xc90100 x44\n"},
-      {0x02300000, 2, "flash W 0xb98000 0707\nshell sync\n"},
-      {0x02300FFF, 1, "flash W 0xb98fff 07\nshell sync\n"},
+      {0x05000000, 1, "flash W 0xc30000 07\n", 200},
+      {0x0500FFFE, 2, "flash W 0xc3fffe 0707\n", 200},
+      {0x05060000, 300, "flash W 0xc90000 x256\nflash W 0xc90100 x44\n", 200},
+      {0x05064FFF, 1, "flash W 0xc94fff 07\n", 200},
+      {0x05065000, 1, "flash W 0xc95000 07\n", 0},
+      {0x02300000, 2, "flash W 0xb98000 0707\nshell sync\n", 0},
+      {0x02300FFF, 1, "flash W 0xb98fff 07\nshell sync\n", 0},
   };
   device::Begin("flash shell");
   for (const Case& c : kCases) {
+    Global().LEDConfigStatus = 0;
     EXPECT_EQ(Written(c.address, Data(c.length, 7)), c.trace) << std::hex << c.address;
-    const auto length = static_cast<std::uint16_t>(c.length);
-    EXPECT_EQ(inprocess::Read(c.address, length).m_data, Data(c.length, 7));
+    EXPECT_EQ(inprocess::Read(c.address, c.length).m_data, Data(c.length, 7));
+    EXPECT_EQ(Global().LEDConfigStatus, c.status) << std::hex << c.address;
   }
   EXPECT_EQ(Written(0x02300FFF, Data(2)), "") << "the byte behind it is another space's";
 }
 
 TEST(SmallSpaces, FailuresAreLoggedAndAReadGivesNoData) {
-  struct Case {
-    std::uint32_t address;
-    Fault fault;
-    const char* log;
-  };
-  constexpr Case kCases[] = {
-      {0x05000000, Fault::kFlashRead,
-       "Error === ReadFromSoftwareTable ===Read Bytes From Flash Failed. DriverRet = -1\n"},
-      {0x05000000, Fault::kFlashWrite,
-       "Error === WriteToSoftwareTable ===Write to Page Program Failed. DriverRet = -1\n"},
-      {0x02300000, Fault::kFlashRead,
-       "Error === ReadFromBackupInfo ===Read backup info flash failed. ret = -1\n"},
-      {0x02300000, Fault::kFlashWrite,
-       "Error === WriteToBackupInfo ===Write backup info to flash failed. ret = -1\n"},
-  };
   device::Begin("shell");
   device::Log log(0);
-  for (const Case& c : kCases) {
-    SetFaultCount(c.fault, 3);
-    if (c.fault == Fault::kFlashWrite) {
-      Written(c.address, Data(1));
-    } else {
-      const auto reply = inprocess::Read(c.address, 1);
-      EXPECT_EQ(reply.m_ucAck, 0);
-      EXPECT_TRUE(reply.m_data.empty());
+  for (const auto& row : support::Rows(3, R"(
+      5000000 | ReadFromSoftwareTable ===Read Bytes From Flash Failed. DriverRet
+      5000000 | WriteToSoftwareTable ===Write to Page Program Failed. DriverRet
+      2300000 | ReadFromBackupInfo ===Read backup info flash failed. ret
+      2300000 | WriteToBackupInfo ===Write backup info to flash failed. ret
+    )")) {
+    const auto address = static_cast<std::uint32_t>(std::stoul(row[0], nullptr, 16));
+    const bool write = row[1].starts_with("Write");
+    SetFaultCount(write ? Fault::kFlashWrite : Fault::kFlashRead, 3);
+    if (write) Written(address, Data(1));
+    if (!write) {
+      EXPECT_TRUE(inprocess::Read(address, 1).m_data.empty());
     }
-    EXPECT_EQ(log.Take(), c.log);
-  }
-}
-
-TEST(SoftwareTable, WriteBelowTheSlaveMarkMarksTheScreenAsConfigured) {
-  device::Begin("none");
-  for (const auto& [address, status] :
-       {std::pair{0x05064FFFU, 200}, {0x05065000U, 0}, {0x0506FFFFU, 0}, {0x05000000U, 200}}) {
-    Global().LEDConfigStatus = 0;
-    Written(address, Data(1));
-    EXPECT_EQ(Global().LEDConfigStatus, status) << std::hex << address;
+    EXPECT_EQ(log.Take(), "Error === " + row[1] + " = -1\n");
   }
 }
 
@@ -95,8 +79,6 @@ TEST(SoftwareTable, OneByteAtTheSignalAsksTheVideoApplication) {
   EXPECT_EQ(inprocess::Read(0x0500FFFF, 2).m_data, (Data{0x31, 0x32}));
   EXPECT_EQ(trace.Take(), "flash R 0xc3ffff x2\n");
 }
-
-// --- Screen info echo ---------------------------------------------------------------------------
 
 TEST(ScreenInfoEcho, ReadAsksTheFirstCardForItsSize) {
   device::Begin("card", "card.width = 96\n");
@@ -132,30 +114,21 @@ TEST(ScreenInfoEcho, ReadEndsWithTheParametersAndWriteWithTheThirtySecond) {
   EXPECT_EQ(device::Hex(inprocess::Read(0x02100000, 1).m_data), "c1");
 }
 
-// --- Card program
-// ---------------------------------------------------------------------------------
-
 TEST(CardProgram, ReadsZerosAndRefusesTheRest) {
   struct Case {
     std::uint32_t address;
-    bool write;
     std::uint16_t length;
-    int ack;
-    std::size_t bytes;
+    bool serves;
   };
-  constexpr Case kCases[] = {
-      {0x18000000, false, 256, 0, 256}, {0x18200000, false, 4096, 0, 4096},
-      {0x18001000, false, 300, 0, 300}, {0x18000000, false, 255, 4, 0},
-      {0x18000000, false, 4097, 4, 0},  {0x18000001, false, 256, 4, 0},
-      {0x18000000, true, 256, 4, 0},    {0x18201000, true, 4096, 4, 0},
-      {0x18000000, true, 255, 4, 0},
-  };
+  constexpr Case kReads[] = {{0x18000000, 256, true},   {0x18200000, 4096, true},
+                             {0x18001000, 300, true},   {0x18000000, 255, false},
+                             {0x18000000, 4097, false}, {0x18000001, 256, false}};
   device::Begin("none");
-  for (const Case& c : kCases) {
-    const auto reply = c.write ? inprocess::Write(c.address, Data(c.length))
-                               : inprocess::Read(c.address, c.length);
-    EXPECT_EQ(reply.m_ucAck, c.ack) << std::hex << c.address << " " << c.length;
-    EXPECT_EQ(reply.m_data, Data(c.bytes));
+  for (const Case& c : kReads) {
+    const auto reply = inprocess::Read(c.address, c.length);
+    EXPECT_EQ(reply.m_ucAck, c.serves ? 0 : 4) << std::hex << c.address << " " << c.length;
+    EXPECT_EQ(reply.m_data, Data(c.serves ? c.length : 0));
+    EXPECT_EQ(inprocess::Write(c.address, Data(c.length)).m_ucAck, 4);
   }
   EXPECT_EQ(inprocess::DrainQueue(), 0);
 }

@@ -38,18 +38,6 @@ TEST(WallModel, BytesByHand) {
   EXPECT_EQ(port.cabinets, (std::vector<Corner>{{0x0606, 0x0809}, {0x0705, 0x0807 + 0xFFFF}}));
 }
 
-TEST(WallModel, PartsCoverTheRegistersOfAWall) {
-  DeviceBytes bytes;
-  std::vector<std::pair<std::uint32_t, std::size_t>> parts;
-  for (const auto& part : bytes.Parts()) parts.emplace_back(part.address, part.bytes.size());
-  const std::vector<std::pair<std::uint32_t, std::size_t>> expected = {{0x02810000, 0x2D0},
-                                                                       {0x02000000, 496},
-                                                                       {0x02100006, 4},
-                                                                       {0x03100000, 768},
-                                                                       {0x03000000, 40960}};
-  EXPECT_EQ(parts, expected);
-}
-
 TEST(WallModel, RepeatedPortsAreTold) {
   const auto bytes = wall_bytes::With(Smart{.rows = 5, .columns = 3, .perCable = 6, .mode = 4});
   Wall wall = Understand(*bytes);

