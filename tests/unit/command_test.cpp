@@ -56,16 +56,6 @@ TEST(Commands, SetOffWhatTheirRowSays) {
   EXPECT_EQ(Global().LocalAddr, 7);
 }
 
-TEST(Commands, FailedTestPointIsLogged) {
-  device::Begin("none");
-  device::Log log(0);
-  SetFaultCount(Fault::kFpgaWrite, 3);
-  EXPECT_EQ(inprocess::Write(kCommand + 3, inprocess::Bytes("0010005101")).m_ucAck, 0);
-  EXPECT_NE(
-      log.Take().find("=== WriteTestPointCommand ===write to page program failed. driverRet = "),
-      std::string::npos);
-}
-
 TEST(Reset, WriteMarksTheEnvironmentTellsTheServiceAndQueues) {
   device::Begin("shell bus flash");
   support::Trace trace;

@@ -4,7 +4,6 @@
 
 #include <regex>
 
-#include "board/faults.h"
 #include "process/tprocess_ctl.h"
 #include "proto/addr_hardwarebrightnessadjust.h"
 #include "support/device.h"
@@ -15,8 +14,6 @@
 namespace {
 
 using namespace ZEPH_MCUC;
-using board::Fault;
-using board::SetFaultCount;
 using device::Global;
 
 constexpr std::uint32_t kBase = 0x02000000;
@@ -263,31 +260,6 @@ TEST(FeatureWrite, OffsetsInBypassArePassedOnUnlessTheServiceDaemonSetThem) {
     inprocess::Serve(request);
     EXPECT_EQ(Short(trace.TakeLine()), row[3]) << row[1] << " " << row[2];
     inprocess::DrainQueue();
-  }
-}
-
-TEST(FeatureWrite, FailuresAreLoggedAndTheRestRuns) {
-  struct Case {
-    const char* write;
-    Fault fault;
-    const char* log;
-  };
-  constexpr Case kCases[] = {
-      {"1da:01", Fault::kFlashWrite, "=========OptPort mode WriteDataToFlash failed !\n"},
-      {"1d8:01", Fault::kFlashWrite, "=========vio4K WriteDataToFlash failed !\n"},
-      {"45:ab", Fault::kFlashWrite, "========= WriteDataToFlash failed !\n"},
-      {"45:ab", Fault::kFpgaWrite, "FPGA Status Up<<<<<<<<<<<<<<<<<<<\n"},
-  };
-  device::Begin("flash");
-  ResetImage();
-  device::Log log(0);
-  for (const Case& c : kCases) {
-    support::Trace trace;
-    SetFaultCount(c.fault, 3);
-    Write(c.write);
-    EXPECT_TRUE(log.Take().ends_with(c.log)) << c.log;
-    ExpectImage(c.write);  // the client's value
-    EXPECT_GE(support::Count(trace.Take(), "flash W 0xa3b100"), 1);
   }
 }
 

@@ -4,7 +4,6 @@
 
 #include <regex>
 
-#include "board/faults.h"
 #include "process/tprocess.h"
 #include "proto/porttables.h"
 #include "stub/mcuqmbthread.h"
@@ -17,8 +16,6 @@
 namespace {
 
 using namespace ZEPH_MCUC;
-using board::Fault;
-using board::SetFaultCount;
 using device::Global;
 
 constexpr std::uint32_t kRecord = 0x02810000;
@@ -193,8 +190,6 @@ TEST(Layout, ReadsOfTheRecordShowTheStateAndTheFactoryLayout) {
   std::string compact(2 * 38, '1');
   compact.replace(0, 2, "b8").replace(2 * 0x11, 2, "00").replace(2 * 0x16, 6, "a1a2a3");
   EXPECT_EQ(read(0, 38), compact);
-  SetFaultCount(Fault::kFlashRead, 3);
-  EXPECT_EQ(read(0, 3), "");
 }
 
 // --- The tables behind it ----------------------------------------------------------------------
@@ -247,11 +242,6 @@ TEST(PortTables, GoBetweenClientAndFpga) {
   EXPECT_EQ(device::Hex(PortsTopoPara.snapshot<4>(kPositionSize - 4)), "00005566")
       << "what fits, in memory alone";
   EXPECT_EQ(device::Fpga(0x500020, 5), "00a1a3a4a5");
-  SetFaultCount(Fault::kFpgaRead, 6);
-  device::Log log(0);
-  EXPECT_TRUE(inprocess::Read(0x03000000, 4).m_data.empty());
-  EXPECT_TRUE(inprocess::Read(0x03100000, 4).m_data.empty());
-  EXPECT_EQ(support::Count(log.Take(), "Error === ReadFrom"), 2);
 }
 
 }  // namespace

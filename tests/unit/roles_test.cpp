@@ -3,14 +3,11 @@
 
 #include <sstream>
 
-#include "board/faults.h"
 #include "support/device.h"
 #include "support/trace.h"
 
 namespace {
 
-using board::Fault;
-using board::SetFaultCount;
 using device::Global;
 
 constexpr std::uint32_t kGroups[] = {0x18, 0x98, 0x100, 0x104};  // four ports each
@@ -61,26 +58,6 @@ TEST(Roles, WriteOfTheDeviceRoleSetsAllThatHangsOnIt) {
     EXPECT_EQ(Global().NormalBackupStatus, 0);
     device::WriteFeature(0x9D, "a500");
     EXPECT_EQ(trace.Take(), "fpga W 0x9d a500\nflash W 0xa3b100 x512\n") << "more than the byte";
-  }
-}
-
-TEST(Roles, FailedStoreOfTheRoleIsLoggedAndTheRestRuns) {
-  const std::pair<int, const char*> cases[] = {
-      // flash writes in front of the one that fails
-      {0, "===Set 0x0200_009d to 165, save PbufMorSMode to flash failed !\n"},
-      {5, "=========Set  Device <Slave> 0x0200_009d to 0xA5, clear 0x05065000 flash failed !\n"},
-      {6, "========= WriteDataToFlash failed !\n"},
-  };
-  device::Begin("flash");
-  device::PutImage(0x1EC, "80008000");
-  device::Log log(0);
-  support::Trace trace;
-  for (const auto& [passing, said] : cases) {
-    SetFaultCount(Fault::kSkip, passing);
-    SetFaultCount(Fault::kFlashWrite, 3);
-    device::WriteFeature(0x9D, "a5");
-    EXPECT_EQ(log.Take(), std::string("Error === DoWriteFeatureInfo ") + said);
-    EXPECT_EQ(support::Count(trace.Take(), "flash W"), 7 + 2);
   }
 }
 

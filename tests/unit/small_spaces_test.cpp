@@ -50,26 +50,6 @@ TEST(SmallSpaces, WritesReachTheirFlashAndReadBack) {
   EXPECT_EQ(Written(0x02300FFF, Data(2)), "") << "the byte behind it is another space's";
 }
 
-TEST(SmallSpaces, FailuresAreLoggedAndAReadGivesNoData) {
-  device::Begin("shell");
-  device::Log log(0);
-  for (const auto& row : support::Rows(3, R"(
-      5000000 | ReadFromSoftwareTable ===Read Bytes From Flash Failed. DriverRet
-      5000000 | WriteToSoftwareTable ===Write to Page Program Failed. DriverRet
-      2300000 | ReadFromBackupInfo ===Read backup info flash failed. ret
-      2300000 | WriteToBackupInfo ===Write backup info to flash failed. ret
-    )")) {
-    const auto address = static_cast<std::uint32_t>(std::stoul(row[0], nullptr, 16));
-    const bool write = row[1].starts_with("Write");
-    SetFaultCount(write ? Fault::kFlashWrite : Fault::kFlashRead, 3);
-    if (write) Written(address, Data(1));
-    if (!write) {
-      EXPECT_TRUE(inprocess::Read(address, 1).m_data.empty());
-    }
-    EXPECT_EQ(log.Take(), "Error === " + row[1] + " = -1\n");
-  }
-}
-
 TEST(SoftwareTable, OneByteAtTheSignalAsksTheVideoApplication) {
   device::Begin("flash bus");
   device::PutFlash(0xC3FFFF, "3132");
