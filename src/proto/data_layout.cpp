@@ -83,7 +83,8 @@ bool CommitPositions(const MosaicPlan& plan) {
     return false;
   }
   if (plan.usedPorts <= kTablePorts) {
-    MCUC_LOG(kLogInfo, "cacl 0x3000000 0x0" << "0123456789A"[plan.usedPorts] << " end");
+    MCUC_LOG(kLogInfo, "cacl 0x3000000 0x0"
+                           << "0123456789A"[plan.usedPorts] << " end");
   }
   SendPositions(tables, 0);
   return true;

@@ -220,15 +220,6 @@ Error === RestoreFPGA ===Can not read flash when get the ScreenParaReg !
   EXPECT_EQ(Image(0, 512), std::string(0x46, '0') + "20" + std::string(1024 - 0x48, '0'));
   EXPECT_EQ(std::pair(int{Global().LEDConfigStatus}, int{Global().PbufMorSMode}),
             std::pair(200, 1));
-  SetFaultCount(Fault::kFlashRead, 0);
-  for (const Fault fault : {Fault::kFpgaWrite, Fault::kFpgaRead, Fault::kEnvOpen}) {
-    SetFaultCount(fault, -1);
-  }
-  board::WriteEnv("firstboot", "1");
-  Restore(true);
-  EXPECT_TRUE(Global().FpgaParaLoadFinish) << "the store of settings that can't be opened is no "
-                                              "first boot";
-  EXPECT_EQ(Image(0x1DE, 1), "5a");
 }
 
 // What a client reads while a restore is under way comes from the FPGA, which has just powered up.
