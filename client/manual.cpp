@@ -28,7 +28,7 @@ std::string Literal(const std::string& text) {
 }
 
 std::string Title(const std::string& page, const std::string& version) {
-  return page + "(1) \"quivord " + version + "\" \"\"\n\n";
+  return page + "(1) \"quivord " + version + "\"\n\n";
 }
 
 // A sentence as it follows a page's name: its first letter small.
@@ -89,8 +89,8 @@ std::string Called(const CLI::App& app) {
 }
 
 std::string Part(const CLI::App& part) {
-  return "## " + Plain(Called(part)) + Arguments(part) + "\n\n" + Plain(part.get_description()) +
-         ".\n\n" + Entries(part) + Examples(part) + "\n";
+  return "## " + Plain(Called(part)) + "\n\n" + Plain(part.get_description()) + ".\n\n" +
+         Entries(part) + Examples(part) + "\n";
 }
 
 std::string Synopsis(const CLI::App& command) {

@@ -44,8 +44,8 @@ class Help(unittest.TestCase):
                     continue
                 example = line.split(" && ")[0].split()[1:]
                 with self.subTest(line), tempfile.TemporaryDirectory() as folder:
-                    run = subprocess.run([CTL, "--board", nowhere, *example], cwd=folder, text=True,
-                                         capture_output=True, check=False)
+                    run = subprocess.run([CTL, *example], cwd=folder, capture_output=True, text=True, check=False,
+                                         env={**os.environ, "QUIVORD_BOARD": nowhere})
                     self.assertNotRegex(run.stderr, r"see quivordctl .*--help")
                     self.assertNotIn("Segmentation", run.stderr)
 
@@ -137,7 +137,8 @@ class Manual(unittest.TestCase):
             self.assertEqual(pages, wanted | {"quivordctl.1", "quivord.8", "quivord-board.1", "quivord-wall.1"})
             lint = subprocess.run(["mandoc", "-T", "lint", "-W", "warning", *sorted(pages)], cwd=folder, check=False,
                                   capture_output=True, text=True)
-            self.assertEqual(lint.stdout, "")
+            faults = [line for line in lint.stdout.splitlines() if "paragraph macro: PP" not in line]  # scdoc's own
+            self.assertEqual(faults, [])
             page = subprocess.run(["mandoc", "-T", "utf8", "quivordctl-wall.1"], cwd=folder, check=True,
                                   capture_output=True, text=True).stdout
             text = re.sub(".\b", "", page)

@@ -78,6 +78,9 @@ def load(name):
 
 
 def save(name, answer):
+    """Stores the answer where it has another shape than the one that is stored: values alone change each time."""
+    if compare(name, answer) == ([], []):
+        return
     SAMPLES.mkdir(exist_ok=True)
     (SAMPLES / f"{name}.json").write_text(json.dumps(stored(answer), indent=1, ensure_ascii=False) + "\n")
 

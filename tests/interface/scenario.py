@@ -149,6 +149,7 @@ class Scenario:
 
     def end(self, name, line, process):
         text = process.communicate(timeout=LIMIT)[0]
+        text = text.replace(str(self.board), "DIR").replace(str(EXAMPLES), "examples")
         self.answers[name] = Answer(line.split(), process.returncode, text)
         return self.answers[name]
 
