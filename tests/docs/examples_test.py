@@ -21,7 +21,7 @@ import tempfile
 import time
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
-LIMIT_S = 40
+LIMIT_S = 120
 COMPLAINT = re.compile(r"^(quivordctl|quivord-board|quivord-wall|quivord): ")
 VARYING = [(re.compile(pattern), word) for pattern, word in (
     (r"\d{4}-\d\d-\d\d", "DATE"), (r"\b\d?\d:\d\d(:\d\d)?\b", "TIME"),

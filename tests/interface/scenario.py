@@ -102,6 +102,8 @@ read.none                    read 0x00010000 4
 write                        write 0xF0000100 01 02 03 04
 testpoint                    testpoint 0x100051 1
 ping                         ping --count 3
+record                       record {t}/session.rec --once
+replay                       replay {e}/demo.rec --speed fast
 error.refused                read 0x02010000 4
 error.use                    read 0xF0000100
 reset                        reset --type keep-files --yes
@@ -172,7 +174,7 @@ class Scenario:
         self.end("monitor", line, process)
 
     def run(self):
-        self.tool("create", self.board, "speed=200", "fpga.load_ms=50", "port.0.cards=3", "port.1.cards=3")
+        self.tool("create", self.board, "speed=200", "trace=bus", "fpga.load_ms=50", "port.0.cards=3", "port.1.cards=3")
         self.files.mkdir()
         (self.files / "advanced.json").write_text(json.dumps(ADVANCED))
         daemon = subprocess.Popen([BUILD / "quivord-board", "run", self.board], stdout=subprocess.DEVNULL,
