@@ -1,18 +1,15 @@
 #include <atomic>
-#include <csignal>
 #include <thread>
 
 #include "commands.h"
 #include "numbers.h"
 #include "proto/calc_feature_words.h"
+#include "trace/interrupt.h"
 
 namespace ctl {
 namespace {
 
 constexpr auto kLook = std::chrono::milliseconds(50);
-
-std::atomic<bool> g_interrupted{false};
-static_assert(std::atomic<bool>::is_always_lock_free);  // set from a signal handler
 
 struct Words {
   std::uint32_t count = 0;  // reports, 0 for no end
@@ -32,8 +29,7 @@ void Show(const Output& out, const quivord::Report& report) {
 Exit Monitor(Context& context, const Words& words) {
   std::atomic<std::uint32_t> shown{0};
   std::atomic<bool> ended{false};
-  for (const int number : {SIGINT, SIGTERM}) std::signal(number, [](int) { g_interrupted = true; });
-
+  quivord::trace::WatchInterrupts();
   const auto client = context.Connect(
       context.options.Task(ZEPH_MCUC::task::kOwd),
       [&](const quivord::Report& report) {
@@ -43,7 +39,7 @@ Exit Monitor(Context& context, const Words& words) {
       },
       [&](const quivord::Error&) { ended = true; });
   if (!client) return context.Fail(client.error());
-  while (!g_interrupted && !ended && (words.count == 0 || shown < words.count)) {
+  while (!quivord::trace::Interrupted() && !ended && (words.count == 0 || shown < words.count)) {
     std::this_thread::sleep_for(kLook);
   }
   if (!ended) return Exit::kDone;
