@@ -5,7 +5,6 @@
 #include <cstdio>
 
 #include "board/board.h"
-#include "board/envstore.h"
 #include "board/folder.h"
 #include "board/power.h"
 #include "program.h"
@@ -42,21 +41,13 @@ End Watch(pid_t daemon) {
   }
 }
 
-// A reset that was begun and never came to its reboot did not happen.
-void ForgetBrokenReset() {
-  if (board::ReadEnv("returnfactory") != "1") return;
-  for (const char* const key : {"returnfactory", "factory_enable", "firstboot"}) {
-    board::WriteEnv(key, "0");
-  }
-}
-
 }  // namespace
 
 int RunDaemon(const std::vector<std::string>& options) {
   board::Folder();
   BlockWatched();
   for (bool rebooted = board::TakeReboot();;) {
-    if (!rebooted) ForgetBrokenReset();
+    if (!rebooted) board::ForgetBrokenReset();
     const pid_t daemon = Start(OwnFolder() / "quivord", options, false);
     if (daemon < 0) return kFailed;
     const End end = Watch(daemon);

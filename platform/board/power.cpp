@@ -89,6 +89,11 @@ int Reboot() {
   return 0;
 }
 
+void ForgetBrokenReset() {
+  if (ReadEnv("returnfactory") != "1") return;
+  for (const char* const key : {"returnfactory", "factory_enable", "firstboot"}) WriteEnv(key, "0");
+}
+
 bool TakeReboot() {
   const auto path = Folder() / kRebootMark;
   const FileHandle mark(open(path.c_str(), O_RDWR | O_CLOEXEC));

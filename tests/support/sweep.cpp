@@ -1,6 +1,7 @@
 #include "support/sweep.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <fstream>
 
 #include "board/envstore.h"
@@ -17,6 +18,8 @@
 namespace sweep {
 namespace {
 
+namespace fs = std::filesystem;
+
 using board::Fault;
 using board::FaultRow;
 using board::SetFaultCount;
@@ -28,6 +31,8 @@ constexpr int kMostOnce = 4;   // of a kind, in a bounded sweep
 constexpr int kMostCuts = 8;
 constexpr int kSeeds = 2;    // of lost writes at each cut
 constexpr int kRetries = 3;  // tries of an FPGA or flash access
+
+fs::path Tmp() { return board::StorePath(board::Store::kTmp); }
 
 std::string EnvFile() { return board::Folder() / "usr/zeph/etc/envcfg/env"; }
 
@@ -81,20 +86,27 @@ class Sweep {
       if (row.fault < Fault::kFlashCut) SweepFault(row);
     }
     SweepCuts();
+    std::printf("%s: %d runs, %zu failed\n", operation_.name, runs_, failures_.size());
     return failures_;
   }
 
  private:
-  // The board as it was in front of the operation, with power just come.
-  void PutBack(View store, const std::string& env) {
+  // The board as it stands, with power just come.
+  static void ComeBack() {
     ClearFaults();
-    PutStore(store);
-    board::ReplaceWhole(EnvFile(), env);
     board::ForgetWrites();
     ClearTrace();
+    board::ForgetBrokenReset();
     board::PowerUp();
   }
-  void PutBack() { PutBack(before_, env_); }
+
+  // The same, as it was in front of the operation.
+  void PutBack() const {
+    PutStore(before_);
+    board::ReplaceWhole(EnvFile(), env_);
+    fs::remove(Tmp());
+    ComeBack();
+  }
 
   // In a child: the daemon comes up.
   void Start() const {
@@ -114,6 +126,7 @@ class Sweep {
     operation_.act();
     const std::string wrong = Difference(Store(), after_, operation_.regions);
     if (!wrong.empty()) Complain("done once more: " + wrong + "; ");
+    if (board::ReadWhole(Tmp()) != tmp_) Complain("done once more: the temporary store differs; ");
     if (FpgaContent(operation_) != fpga_) Complain("done once more: the FPGA differs; ");
   }
 
@@ -124,7 +137,11 @@ class Sweep {
       ClearTrace();
       operation_.act();
     });
-    writes_ = TracedWrites(board_kit::TraceLines());
+    cuts_ = TracedWrites(board_kit::TraceLines());
+    for (const auto& write : cuts_) {
+      if (write) writes_.push_back(*write);
+    }
+    tmp_ = board::ReadWhole(Tmp());
     after_.assign(Store().begin(), Store().end());
     fpga_ = FpgaContent(operation_);
     Expect("undisturbed", Outcome(run));
@@ -164,6 +181,7 @@ class Sweep {
   }
 
   void RunFault(const std::string& id, Fault fault, int passing, int failing) {
+    ++runs_;
     PutBack();
     const auto run = InChild([&] {
       Start();
@@ -182,7 +200,7 @@ class Sweep {
   }
 
   void SweepCuts() {
-    const int count = static_cast<int>(writes_.size());
+    const int count = static_cast<int>(cuts_.size());
     for (const int n : Pick(count, choice_.bounded ? kMostCuts : count)) {
       const std::string number = std::to_string(n);
       if (Wanted("torn:" + number)) RunCut("torn:" + number, n, 0, false);
@@ -197,6 +215,7 @@ class Sweep {
   // Cuts power at write `n`, with the seed of lost writes, and starts the daemon on what is left;
   // `whole` takes the torn write back.
   void RunCut(const std::string& id, int n, int seed, bool whole) {
+    ++runs_;
     PutBack();
     const auto cut = InChild([&] {
       Start();
@@ -205,11 +224,14 @@ class Sweep {
       operation_.act();
     });
     if (cut.status != board::kCutStatus) return Expect(id, "wasn't cut");
-    const auto index = static_cast<std::size_t>(n - 1);
+    const auto torn = cuts_.begin() + n - 1;
+    const auto index = static_cast<std::size_t>(
+        std::count_if(cuts_.begin(), torn, [](const auto& write) { return write.has_value(); }));
     if (whole) PutStore(WithWrites(before_, writes_, index));
-    const Damage damage{whole ? std::nullopt : std::optional(index), seed != 0};
+    const bool tears = !whole && torn->has_value();
+    const Damage damage{tears ? std::optional(index) : std::nullopt, seed != 0};
     Expect(id, Judge(Store(), before_, writes_, operation_.regions, damage));
-    PutBack(Store(), board::ReadWhole(EnvFile()).value_or(""));
+    ComeBack();
     const auto again = InChild([&] {
       Start();
       Probe();
@@ -231,7 +253,10 @@ class Sweep {
   Bytes before_;
   Bytes after_;
   std::string fpga_;
-  std::vector<StoreWrite> writes_;
+  std::optional<std::string> tmp_;               // the temporary store, where there is one
+  std::vector<std::optional<StoreWrite>> cuts_;  // all writes, each of which is cut
+  std::vector<StoreWrite> writes_;               // those to the live store
+  int runs_ = 0;
   std::vector<std::string> failures_;
 };
 

@@ -66,15 +66,17 @@ std::string At(std::size_t address, const std::string& text) {
 
 }  // namespace
 
-std::vector<StoreWrite> TracedWrites(const std::vector<std::string>& lines) {
-  std::vector<StoreWrite> writes;
+std::vector<std::optional<StoreWrite>> TracedWrites(const std::vector<std::string>& lines) {
+  std::vector<std::optional<StoreWrite>> writes;
   for (const std::string& line : lines) {
     std::istringstream words(line);
     std::string kind, direction, store, address, length, outcome, hex;
     words >> kind >> direction >> store >> address >> length >> outcome >> hex;
-    if (kind != "flash" || direction != "W" || store != "live" || outcome != "ok") continue;
-    writes.push_back({static_cast<std::uint32_t>(std::stoul(address, nullptr, 16)),
-                      hex == "-" ? Bytes() : inprocess::Bytes(hex.c_str())});
+    if (kind != "flash" || direction != "W" || outcome != "ok") continue;
+    auto& write = writes.emplace_back();
+    if (store != "live") continue;
+    write = {static_cast<std::uint32_t>(std::stoul(address, nullptr, 16)),
+             hex == "-" ? Bytes() : inprocess::Bytes(hex.c_str())};
   }
   return writes;
 }

@@ -27,8 +27,8 @@ struct StoreWrite {
   Bytes data;
 };
 
-// The writes of a trace that holds flash lines, in their order.
-std::vector<StoreWrite> TracedWrites(const std::vector<std::string>& lines);
+// The writes of a trace that holds flash lines, in their order; none for one to another store.
+std::vector<std::optional<StoreWrite>> TracedWrites(const std::vector<std::string>& lines);
 
 // The live store as it is now, and how it is made to hold `bytes` again.
 View Store();

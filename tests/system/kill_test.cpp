@@ -1,17 +1,21 @@
-// The daemon ends by SIGKILL at random instants while a client writes; it comes back within its
-// documented start, each setting as it was or as it was written, and shows what it has stored.
+// The daemon ends by SIGKILL at random instants while a client writes settings, another one has
+// operations done and unruly peers come and go; it comes back within its documented start, each
+// setting as it was or as it was written.
 // QUIVORD_SOAK_KILLS says how often; scripts/soak sets it.
 #include <gtest/gtest.h>
 
-#include <atomic>
+#include <future>
 #include <random>
+#include <system_error>
 #include <thread>
 
 #include "board/power.h"
+#include "support/deeds.h"
 #include "support/device.h"
 #include "support/inprocess.h"
 #include "support/model_peer.h"
 #include "support/ready_daemon.h"
+#include "support/rough_peer.h"
 #include "support/run.h"
 
 namespace {
@@ -41,6 +45,28 @@ void WriteUntilItDies(quivord::Client& client, const model::Window& window, mode
   }
 }
 
+// The same with operations of all kinds.
+void OperateUntilItDies(quivord::Client& client, model::Random random) {
+  const std::vector<deeds::Deed> all = deeds::All();
+  while (true) {
+    const deeds::Deed& deed = all[random() % all.size()];
+    if (!client.Call(
+            {.operation = quivord::Operation::kWrite, .address = deed.address, .data = deed.data},
+            10s)) {
+      return;
+    }
+  }
+}
+
+// Peers that leave in the middle, until they find nobody any more.
+void ComeAndGoUntilItDies(const std::filesystem::path& board, unsigned seed) {
+  try {
+    rough::ComeAndGo(board, seed, [] { return true; });
+  } catch (const std::system_error&) {
+    return;
+  }
+}
+
 model::Registers Owned(const model::Window& window, const Bytes& page) {
   model::Registers registers;
   for (const model::Stretch& stretch : window.stretches) {
@@ -66,13 +92,21 @@ TEST(Kill, AtAnyInstantNoSettingIsLost) {
     slowest = std::max(slowest, std::chrono::duration_cast<std::chrono::milliseconds>(
                                     std::chrono::steady_clock::now() - begin));
     const auto client = std::move(daemon.Connect(0x7E0100).value());
+    const auto operator_client = std::move(daemon.Connect(0x7E0101).value());
     model::Registers registers = Owned(window, before);
+    const auto operating = std::async(std::launch::async, [&, own = model::Random(random())] {
+      OperateUntilItDies(*operator_client, own);
+    });
+    const auto leaving = std::async(std::launch::async, ComeAndGoUntilItDies, daemon.board(),
+                                    static_cast<unsigned>(random()));
     std::thread killer([&, after = std::chrono::microseconds(random() % 60000)] {
       std::this_thread::sleep_for(after);
       daemon.Kill();
     });
     WriteUntilItDies(*client, window, random, registers);
     killer.join();
+    operating.wait();
+    leaving.wait();
     before = Stored();
     ASSERT_EQ(registers.Compare(0, before), "") << "after " << kill + 1 << " kills";
   }

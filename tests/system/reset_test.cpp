@@ -191,11 +191,21 @@ class ResetCuts : public testing::TestWithParam<int> {
   const std::filesystem::path saved_ = board_kit::Named() / "saved";
 };
 
-// Which writes are cut in a usual run; QUIVORD_SWEEP=all cuts every one of them.
-bool IsCut(int write, bool keepsFiles) {
+bool SweepsAll() {
   const char* const wanted = std::getenv("QUIVORD_SWEEP");
-  if (wanted != nullptr && std::string(wanted) == "all") return true;
+  return wanted != nullptr && std::string(wanted) == "all";
+}
+
+// Which writes are cut in a usual run, and with which seeds of lost ones: by turns without any and
+// with some. QUIVORD_SWEEP=all cuts every one of them both ways.
+bool IsCut(int write, bool keepsFiles) {
+  if (SweepsAll()) return true;
   return keepsFiles ? write <= 10 || write % 5 == 0 : write % 4 == 3;
+}
+
+std::vector<int> SeedsOfLoss(int write) {
+  if (SweepsAll()) return {0, write, write + 100};
+  return {write / 4 % 2 == 0 ? 0 : write};
 }
 
 TEST_P(ResetCuts, LeaveADeviceAsBeforeOrReset) {
@@ -209,19 +219,22 @@ TEST_P(ResetCuts, LeaveADeviceAsBeforeOrReset) {
   std::set<std::string> seen;
   for (int write = 1; write < kMostWrites; ++write) {
     if (!IsCut(write, rule.keepsFiles)) continue;
-    SCOPED_TRACE("cut at write " + std::to_string(write));
-    PutBack();
-    ASSERT_EQ(State(rule), "used");
-    daemon.Mark();
-    SetFaultCount(Fault::kFlashCut, write);
-    ASSERT_NE(AskForReset(type), nullptr);
-    ASSERT_TRUE(daemon.AwaitReady(true)) << daemon.Said();
-    const std::string state = State(rule);
-    seen.insert(state);
-    EXPECT_EQ(state, write <= prepared ? "used" : "reset");
-    EXPECT_TRUE(state == "reset" ||
-                std::filesystem::exists(board_kit::Named() / kFiles / "RvCfgFile_3.rcfgx"));
-    ExpectIdentity();
+    for (const int seed : SeedsOfLoss(write)) {
+      SCOPED_TRACE("cut at write " + std::to_string(write) + ", loss " + std::to_string(seed));
+      PutBack();
+      ASSERT_EQ(State(rule), "used");
+      daemon.Mark();
+      SetFaultCount(Fault::kFlashLoss, seed);
+      SetFaultCount(Fault::kFlashCut, write);
+      ASSERT_NE(AskForReset(type), nullptr);
+      ASSERT_TRUE(daemon.AwaitReady(true)) << daemon.Said();
+      const std::string state = State(rule);
+      seen.insert(state);
+      EXPECT_EQ(state, write <= prepared ? "used" : "reset");
+      EXPECT_TRUE(state == "reset" ||
+                  std::filesystem::exists(board_kit::Named() / kFiles / "RvCfgFile_3.rcfgx"));
+      ExpectIdentity();
+    }
     RecordProperty("writes", write);
     if (board::FaultCount(Fault::kFlashCut) > 0) break;  // it got through
   }

@@ -10,7 +10,7 @@
 
 #include "board/power.h"
 #include "proto/registerspace_names.h"
-#include "support/brightness_bytes.h"
+#include "support/deeds.h"
 #include "support/device.h"
 #include "support/inprocess.h"
 #include "support/model_peer.h"
@@ -63,38 +63,15 @@ std::string WorkOnMemories(const support::Daemon& daemon, unsigned seed, const M
   return "";
 }
 
-struct Deed {
-  std::uint32_t address;
-  std::vector<std::uint8_t> data;
-};
-
-// Operations of all kinds that leave the peers' registers alone.
-std::vector<Deed> Deeds() {
-  const brightness_bytes::Mix mix{.nodes = {{6, 0, false, 0x7F, 30}, {18, 0, true, 0x7F, 0}},
-                                  .sensors = {{0, 0, 0, 1}},
-                                  .map = {{100, 20}, {1000, 90}},
-                                  .fallback = 50};
-  return {{0x0A000000, mix.Bytes()},
-          {0x0A000000, {0x00}},
-          {0x02200117, {0x58}},
-          {0x02200117, {0x59}},
-          {0x02200117, {0x00}},
-          {0x0E002000, std::vector<std::uint8_t>(1024, 7)},
-          {0x12010000, std::vector<std::uint8_t>(0x20, 1)},
-          {0x0F008000, std::vector<std::uint8_t>(1024, 9)},
-          {0x02400000, {0x01, 0x00}},
-          {0x01000018, {0x01}}};
-}
-
 // Operations, and reads anywhere: answered as the tables foresee it.
 std::string WorkEverywhere(const support::Daemon& daemon, unsigned seed, const More& more) {
   using namespace ZEPH_MCUC;
   const auto client = std::move(daemon.Connect(0x7E0300).value());
-  const std::vector<Deed> deeds = Deeds();
+  const std::vector<deeds::Deed> all = deeds::All();
   model::Random random(seed);
   while (more()) {
     if (random() % 4 == 0) {
-      const Deed& deed = deeds[random() % deeds.size()];
+      const deeds::Deed& deed = all[random() % all.size()];
       const auto reply = client->Call(
           {.operation = quivord::Operation::kWrite, .address = deed.address, .data = deed.data},
           30s);

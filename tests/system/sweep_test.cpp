@@ -216,8 +216,10 @@ const Operation kOperations[] = {
      .regions = {{0xC21000, 10}}},
     {.name = "gamma", .prepare = [] {}, .act = UploadGamma, .regions = GammaRegions()},
     // A reset prepares a store beside the live one, which stays as it is until the reboot.
+    {.name = "reset", .prepare = [] {}, .act = [] { Reset("00"); }, .regions = {}},
     {.name = "resetnetwork", .prepare = [] {}, .act = [] { Reset("01"); }, .regions = {}},
     {.name = "resetkeeping", .prepare = [] {}, .act = [] { Reset("02"); }, .regions = {}},
+    {.name = "resetall", .prepare = [] {}, .act = [] { Reset("03"); }, .regions = {}},
     {.name = "identity",
      .prepare = [] { device::PutFlash(0x1000, std::string(512, '1').c_str()); },
      .act = WriteIdentity,
@@ -225,12 +227,7 @@ const Operation kOperations[] = {
      // The area is written as it was read: what can't be read is lost.
      .lasting = {"once:flash-read:1", "once:flash-read:2", "once:flash-read:3",
                  "forever:flash-read"}},
-    {.name = "edid",
-     .prepare = [] {},
-     .act = WriteEdid,
-     .regions = {{0x200000, 72}},
-     // The modes of all groups lie in one record: what can't be read is as in an empty one.
-     .lasting = {}},
+    {.name = "edid", .prepare = [] {}, .act = WriteEdid, .regions = {{0x200000, 72}}},
     {.name = "cardfiles",
      .prepare = [] {},
      .act = UploadAndReplay,
