@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "mcucstdout.h"
 #include "mcuctrace.h"
 #include "stub/fpgareportthread.h"
 #include "stub/mcucmessagestruct_layout.h"
@@ -35,6 +36,13 @@ int Fail() {
   return -1;
 }
 
+// `text` may take the system's.
+void SayFailure(const char* text) {
+  char line[128];
+  std::snprintf(line, sizeof(line), text, std::strerror(errno));
+  SayOnStandardOutput(line);
+}
+
 // A step of the set-up. One that must succeed ends it.
 struct SocketOption {
   int option;
@@ -46,7 +54,7 @@ struct SocketOption {
 
 bool Set(const SocketOption& option) {
   if (setsockopt(sockfd, SOL_SOCKET, option.option, option.value, option.size) == 0) return true;
-  std::printf(option.failure, std::strerror(errno));
+  SayFailure(option.failure);
   return !option.must;
 }
 
@@ -74,7 +82,7 @@ int udp_port_init_sender() {
   CloseSocket();
   sockfd = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
   if (sockfd < 0) {
-    std::printf("create socket error. ");
+    SayFailure("create socket error. ");
     return -1;
   }
   for (const SocketOption& option : options) {
@@ -82,7 +90,7 @@ int udp_port_init_sender() {
   }
   const sockaddr_in any = Address(INADDR_ANY);
   if (bind(sockfd, reinterpret_cast<const sockaddr*>(&any), sizeof(any)) != 0) {
-    std::printf("bind error. %s\n", std::strerror(errno));
+    SayFailure("bind error. %s\n");
     return Fail();
   }
   g_destination = Address(INADDR_BROADCAST);
