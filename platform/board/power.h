@@ -17,8 +17,8 @@ bool FpgaHasLoaded();
 // the boot loader's part of a factory reset where one was asked for, a power-up. 0 when done.
 int Reboot();
 
-// A reset that was begun and never came to its reboot did not happen: what the boot loader does when
-// power comes.
+// A reset that was begun and never came to its reboot did not happen: what the boot loader does
+// when power comes.
 void ForgetBrokenReset();
 
 // Whether a `reboot -f` has run since this was asked last; waits for one that still runs.
