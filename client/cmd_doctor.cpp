@@ -25,31 +25,39 @@ constexpr Row kRows[] = {
 
 const Row& RowOf(Health health) { return kRows[static_cast<std::size_t>(health)]; }
 
-bool WantsAdvice(const Finding& finding) {
-  return finding.health == Health::kNote || finding.health == Health::kWrong;
+// What to do, with the board's folder where DIR stands; empty where nothing is.
+std::string Advice(const Check& check, const Finding& finding, const std::string& board) {
+  if (finding.health != Health::kNote && finding.health != Health::kWrong) return "";
+  std::string advice = check.advice;
+  for (std::size_t at = 0; (at = advice.find("DIR", at)) != std::string::npos;) {
+    advice.replace(at, 3, board);
+    at += board.size();
+  }
+  return advice;
 }
 
-std::string Text(const Output& out, const std::vector<Finding>& findings) {
+std::string Text(const Context& context, const std::vector<Finding>& findings) {
   std::vector<std::vector<std::string>> rows;
   for (std::size_t i = 0; i < findings.size(); ++i) {
     const Row& row = RowOf(findings[i].health);
     const Check& check = Checks()[i];
-    const std::string health = row.tone ? out.Paint(*row.tone, row.text) : row.text;
-    rows.push_back({check.name, health, findings[i].text});
-    if (WantsAdvice(findings[i])) rows.push_back({"", "", std::string("-> ") + check.advice});
+    rows.push_back({check.name, row.tone ? context.out.Paint(*row.tone, row.text) : row.text,
+                    findings[i].text});
+    const std::string advice = Advice(check, findings[i], context.options.board);
+    if (!advice.empty()) rows.push_back({"", "", "-> " + advice});
   }
   return Columns(rows);
 }
 
-nlohmann::json Json(const std::vector<Finding>& findings, bool well) {
+nlohmann::json Json(const Context& context, const std::vector<Finding>& findings, bool well) {
   nlohmann::json checks = nlohmann::json::array();
   for (std::size_t i = 0; i < findings.size(); ++i) {
     const Check& check = Checks()[i];
+    const std::string advice = Advice(check, findings[i], context.options.board);
     checks.push_back({{"name", check.name},
                       {"health", RowOf(findings[i].health).json},
                       {"text", findings[i].text},
-                      {"advice", WantsAdvice(findings[i]) ? nlohmann::json(check.advice)
-                                                          : nlohmann::json(nullptr)}});
+                      {"advice", advice.empty() ? nlohmann::json() : nlohmann::json(advice)}});
   }
   return {{"well", well}, {"checks", checks}};
 }
@@ -60,7 +68,7 @@ Exit Doctor(Context& context) {
   for (const Check& check : Checks()) findings.push_back(check.look(patient));
   const bool well = std::ranges::none_of(
       findings, [](const Finding& finding) { return finding.health == Health::kWrong; });
-  context.out.Show(Text(context.out, findings), Json(findings, well));
+  context.out.Show(Text(context, findings), Json(context, findings, well));
   if (patient.device == nullptr) return Exit::kNoAnswer;
   return well ? Exit::kDone : Exit::kRefused;
 }

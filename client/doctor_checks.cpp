@@ -228,8 +228,8 @@ std::span<const Check> Checks() {
   static constexpr Check kChecks[] = {
       {"versions", LookAtVersions, ""},
       {"board", LookAtFolder,
-       "name the board by --board DIR or QUIVORD_BOARD; 'quivord-board create DIR' makes one, and "
-       "its board.conf names every key"},
+       "name another board by --board or QUIVORD_BOARD; 'quivord-board create DIR' makes this one, "
+       "and its board.conf names every key"},
       {"process", LookAtProcess,
        "start the daemon anew: 'systemctl restart quivord' on a device, 'quivord-board run DIR' on "
        "a simulated board"},

@@ -134,6 +134,7 @@ class Scenario:
         self.board = pathlib.Path(tempfile.mkdtemp(prefix="quivord-interface-"))
         self.files = self.board / "files-of-the-run"
         self.answers = {}
+        self.daemon = None
 
     def close(self):
         shutil.rmtree(self.board, ignore_errors=True)
@@ -173,21 +174,29 @@ class Scenario:
                 time.sleep(0.3)
         self.end("monitor", line, process)
 
+    def start_daemon(self, *settings):
+        self.tool("create", self.board, *settings)
+        self.daemon = subprocess.Popen([BUILD / "quivord-board", "run", self.board], stdout=subprocess.DEVNULL,
+                                       stderr=subprocess.DEVNULL)
+        self.until(lambda: self.ask("ping", "ping --count 1").status == 0, "the daemon answers")
+        self.until(lambda: self.ask("status", "status").lines[0].get("fpga_restored"), "the FPGA is filled")
+
+    def stop_daemon(self):
+        if self.daemon is not None:
+            self.daemon.send_signal(signal.SIGTERM)
+            self.daemon.wait()
+            self.daemon = None
+
     def run(self):
-        self.tool("create", self.board, "speed=200", "trace=bus", "fpga.load_ms=50", "port.0.cards=3", "port.1.cards=3")
-        self.files.mkdir()
-        (self.files / "advanced.json").write_text(json.dumps(ADVANCED))
-        daemon = subprocess.Popen([BUILD / "quivord-board", "run", self.board], stdout=subprocess.DEVNULL,
-                                  stderr=subprocess.DEVNULL)
         try:
-            self.until(lambda: self.ask("ping", "ping --count 1").status == 0, "the daemon answers")
-            self.until(lambda: self.ask("status", "status").lines[0].get("fpga_restored"), "the FPGA is filled")
+            self.start_daemon("speed=200", "trace=bus", "fpga.load_ms=50", "port.0.cards=3", "port.1.cards=3")
+            self.files.mkdir()
+            (self.files / "advanced.json").write_text(json.dumps(ADVANCED))
             self.tool("lux", "800", "--board", self.board)
             self.table(RUNNING)
             self.monitor()
         finally:
-            daemon.send_signal(signal.SIGTERM)
-            daemon.wait()
+            self.stop_daemon()
         self.table(STOPPED)
         return self.answers
 
