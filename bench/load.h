@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -26,11 +27,15 @@ struct Figures {
   double per_second = 0;
   double median_us = 0;
   double p99_us = 0;
-  double cpu_us = 0;  // of the server, a request
+  double worst_us = 0;
+  double cpu_us = 0;    // of the server, a request
+  double user_us = 0;   // of it outside the kernel; counted in ticks of 10 ms
+  double stall_us = 0;  // how late the machine woke a thread that slept beside the run, at worst
 };
 
-// Keeps `depth` requests in flight for about `duration`, after a short run to warm up, and watches
-// the CPU time of process `server`.
-Figures Measure(Link& link, std::uint32_t depth, std::chrono::milliseconds duration, int server);
+// Keeps `depth` requests in flight on each link, one thread a link, for about `duration`, after a
+// short run to warm up, and watches the CPU time of process `server`.
+Figures Measure(std::span<const std::unique_ptr<Link>> links, std::uint32_t depth,
+                std::chrono::milliseconds duration, int server);
 
 }  // namespace bench

@@ -10,13 +10,13 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "process_usage.h"
 #include "support/daemon.h"
 
 namespace {
@@ -42,24 +42,6 @@ constexpr microseconds kWaits[] = {microseconds(1000), microseconds(1000), micro
   while (true) poll(nullptr, 0, 100);  // the bus thread
 }
 
-double CpuSeconds(pid_t pid) {
-  clockid_t clock{};
-  timespec used{};
-  if (clock_getcpuclockid(pid, &clock) != 0 || clock_gettime(clock, &used) != 0) return 0;
-  return static_cast<double>(used.tv_sec) + static_cast<double>(used.tv_nsec) * 1e-9;
-}
-
-long ResidentKiB(pid_t pid) {
-  std::ifstream status("/proc/" + std::to_string(pid) + "/status");
-  std::string word;
-  while (status >> word) {
-    if (word == "VmRSS:") break;
-  }
-  long size = 0;
-  status >> size;
-  return size;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -74,13 +56,13 @@ int main(int argc, char** argv) {
   const bool answers = daemon.WaitUntilItAnswers();
   if (answers) {
     std::this_thread::sleep_for(kSettle);
-    const double daemonBefore = CpuSeconds(daemon.pid());
-    const double bareBefore = CpuSeconds(bare);
+    const double daemonBefore = bench::CpuSeconds(daemon.pid());
+    const double bareBefore = bench::CpuSeconds(bare);
     std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
-    const double daemonUsed = (CpuSeconds(daemon.pid()) - daemonBefore) / seconds;
-    const double bareUsed = (CpuSeconds(bare) - bareBefore) / seconds;
+    const double daemonUsed = (bench::CpuSeconds(daemon.pid()) - daemonBefore) / seconds;
+    const double bareUsed = (bench::CpuSeconds(bare) - bareBefore) / seconds;
     std::printf("quivord  %5.2f %% of a core, %ld KiB resident\n", 100 * daemonUsed,
-                ResidentKiB(daemon.pid()));
+                bench::SizeKiB(daemon.pid(), "VmRSS:"));
     std::printf("bare     %5.2f %% of a core\nratio    %5.2f\n", 100 * bareUsed,
                 daemonUsed / bareUsed);
   } else {

@@ -19,7 +19,6 @@ namespace {
 namespace bus = ZEPH_MCUC;
 
 constexpr std::uint32_t kTestRegister = 0xF0000100;
-constexpr std::uint16_t kBytes = 4;
 constexpr int kPatience_s = 5;
 
 [[noreturn]] void Throw(const char* what) {
@@ -46,13 +45,13 @@ void SetTag(std::uint32_t tag, std::uint8_t* packet) {
 
 }  // namespace
 
-std::vector<std::uint8_t> ReadRequest(std::uint32_t tag) {
+std::vector<std::uint8_t> ReadRequest(std::uint32_t tag, std::uint16_t bytes) {
   std::vector<std::uint8_t> packet(bus::kEnvelopeSize + bus::FrameSize(0));
   bus::WriteEnvelope({.detail = tag,
                       .largeLabel = bus::LABEL_MSG,
                       .payloadLength = static_cast<std::uint32_t>(bus::FrameSize(0))},
                      packet.data());
-  bus::WriteFrame({.registerAddress = kTestRegister, .dataLength = kBytes}, {},
+  bus::WriteFrame({.registerAddress = kTestRegister, .dataLength = bytes}, {},
                   packet.data() + bus::kEnvelopeSize);
   return packet;
 }
@@ -61,7 +60,7 @@ int ListenOn(const std::filesystem::path& path) {
   const sockaddr_un address = Address(path);
   const int descriptor = NewSocket();
   if (bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
-      listen(descriptor, 1) != 0) {
+      listen(descriptor, SOMAXCONN) != 0) {
     Throw("listen");
   }
   return descriptor;
@@ -76,8 +75,8 @@ int ConnectTo(const std::filesystem::path& path) {
   return descriptor;
 }
 
-SeqpacketLink::SeqpacketLink(int socket, std::size_t reply_size)
-    : socket_(socket), reply_size_(reply_size), request_(ReadRequest(0)) {
+SeqpacketLink::SeqpacketLink(int socket, std::uint16_t bytes, std::size_t reply_size)
+    : socket_(socket), reply_size_(reply_size), request_(ReadRequest(0, bytes)) {
   const timeval patience{.tv_sec = kPatience_s, .tv_usec = 0};
   setsockopt(socket_, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
 }
@@ -90,7 +89,7 @@ void SeqpacketLink::Send(std::uint32_t tag) {
 }
 
 void SeqpacketLink::Receive(std::vector<std::uint32_t>& tags) {
-  std::array<std::uint8_t, 256> packet;
+  std::array<std::uint8_t, 2048> packet;
   const ssize_t size = recv(socket_, packet.data(), packet.size(), 0);
   if (size < 0) Throw("no reply");
   if (static_cast<std::size_t>(size) != reply_size_) {

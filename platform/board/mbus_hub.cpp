@@ -8,7 +8,9 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstring>
+#include <thread>
 #include <utility>
 
 #include "board/board.h"
@@ -19,7 +21,11 @@ namespace board::mbus {
 namespace {
 
 constexpr int kWaitMilliseconds = 500;
+constexpr int kCollectedMilliseconds = 1;  // while something may be collected in the outbox
 constexpr std::size_t kMostPeers = 512;
+// The daemon looks for messages every 100 us at best, so while many come they may as well be read
+// together: each look into the sockets that finds a few costs as much as one that finds all.
+constexpr std::chrono::microseconds kGather(75);
 constexpr int kAcceptAtOnce = 16;
 constexpr taskid_t kDispatcherTask = 0x070400;
 constexpr taskid_t kSlotMask = 0xFF000000;
@@ -48,7 +54,10 @@ Hub::Hub(taskid_t id, FileHandle listener, FileHandle poller, FileHandle waker)
       dispatcher_((id & kSlotMask) | kDispatcherTask),
       listener_(std::move(listener)),
       poller_(std::move(poller)),
-      waker_(std::move(waker)) {
+      waker_(std::move(waker)),
+      outbox_([this](std::shared_ptr<Peer> peer) {
+        Ask({std::move(peer), true});
+      }) {
   // An event's owner is its peer; the listener and the waker own theirs by these addresses.
   Control(poller_, EPOLL_CTL_ADD, listener_.get(), EPOLLIN, &peers_);
   Control(poller_, EPOLL_CTL_ADD, waker_.get(), EPOLLIN, &wishes_);
@@ -56,8 +65,11 @@ Hub::Hub(taskid_t id, FileHandle listener, FileHandle poller, FileHandle waker)
 
 int32_t Hub::Round(void* self, mbus_handler_t handler) {
   std::array<epoll_event, 64> events;
-  const int count = epoll_wait(poller_.get(), events.data(), events.size(), kWaitMilliseconds);
+  if (several_ && !left_) std::this_thread::sleep_for(kGather);
+  several_ = left_ = false;
+  const int count = epoll_wait(poller_.get(), events.data(), events.size(), WaitAtMost());
   if (count < 0) return errno == EINTR ? 0 : -1;
+  if (outbox_.overdue()) outbox_.Flush();
   self_ = self;
   handler_ = handler;
   for (const epoll_event& event : std::span(events).first(count)) {
@@ -71,6 +83,11 @@ int32_t Hub::Round(void* self, mbus_handler_t handler) {
   }
   ended_.clear();
   return 0;
+}
+
+// Nothing comes into the outbox but while messages wait for the daemon, and those come from here.
+int Hub::WaitAtMost() const {
+  return queue_.emptied() && !outbox_.pending() ? kWaitMilliseconds : kCollectedMilliseconds;
 }
 
 void Hub::Ask(Wish wish) {
@@ -157,12 +174,16 @@ void Hub::Send(std::span<const std::uint8_t> message) {
   std::memcpy(&id, &message[kIdOffset], sizeof id);
   std::shared_ptr<Peer> peer = registry_.Find(id);
   if (peer == nullptr) return;  // accepted, and nobody is there to get it
-  if (peer->Send(message) == Peer::Sent::kWaiting) Ask({std::move(peer), true});
+  outbox_.Send(std::move(peer), message, queue_);
 }
 
 mbus_msg_t* Hub::Take() {
   mbus_msg_t* message = queue_.Take();
-  if (message != nullptr) Delivered(message);
+  if (message != nullptr) {
+    Delivered(message);
+  } else if (outbox_.pending()) {
+    outbox_.Flush();
+  }
   return message;
 }
 

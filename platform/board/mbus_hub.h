@@ -13,6 +13,7 @@
 
 #include "board/files.h"
 #include "board/mbus_message.h"
+#include "board/mbus_outbox.h"
 #include "board/mbus_peer.h"
 #include "board/mbus_pool.h"
 #include "board/mbus_reader.h"
@@ -51,6 +52,7 @@ class Hub {
     bool writing;  // else reading
   };
 
+  int WaitAtMost() const;
   void Ask(Wish wish);
   void GrantWishes();
   void AcceptAll();
@@ -73,6 +75,7 @@ class Hub {
 
   Registry registry_;
   MessageQueue queue_;
+  Outbox outbox_;
   MessagePool pool_;  // taken from in `Round` only
 
   std::mutex wishing_;
@@ -83,6 +86,8 @@ class Hub {
   std::vector<std::shared_ptr<Peer>> peers_;  // oldest first
   std::vector<std::shared_ptr<Peer>> ended_;  // kept until no event of this round can name them
   bool listening_ = true;
+  bool several_ = false;  // a peer had sent several packets before this round
+  bool left_ = false;     // and may have more
   void* self_ = nullptr;
   mbus_handler_t handler_ = nullptr;
 };

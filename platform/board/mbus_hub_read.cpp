@@ -41,6 +41,8 @@ void Hub::ReadFrom(Peer& peer) {
     return;
   }
   const PacketReader::Batch batch = reader_.Read(peer.socket(), admitted);
+  several_ = several_ || batch.count > 1;
+  left_ = left_ || batch.count == admitted;
   for (std::size_t i = 0; i < batch.count; ++i) {
     if (!peer.registered) {
       if (!Register(peer, reader_.packet(i))) return Close(peer);

@@ -56,9 +56,16 @@ class MessageQueue {
   // The oldest message, or null.
   mbus_msg_t* Take();
 
+  // Whether nothing is left to take; true for a moment too long or too short beside another thread
+  // that puts or takes. `emptied` waits for a thread that is about to take.
+  bool empty() const {
+    return ordered_.load(std::memory_order_relaxed) == nullptr && arrived_.empty();
+  }
+  bool emptied() const;
+
  private:
   MessageStack arrived_;
-  std::mutex mutex_;                           // between threads that take
+  mutable std::mutex mutex_;                   // between threads that take
   std::atomic<mbus_msg_t*> ordered_{nullptr};  // oldest first; changed under `mutex_`
 };
 

@@ -28,12 +28,15 @@ class Peer : public std::enable_shared_from_this<Peer> {
   // Ends the connection for both sides; the descriptor stays this object's. Any thread.
   void HangUp();
 
-  // Towards the peer. Any thread; messages of one thread keep their order.
+  // Towards the peer, at most `kMostAtOnce` messages at a time. Any thread; messages of one thread
+  // keep their order.
+  using Message = std::span<const std::uint8_t>;
+  static constexpr std::size_t kMostAtOnce = 32;
   enum class Sent : std::uint8_t {
     kDone,     // sent, or behind others in the backlog, or lost
     kWaiting,  // the first in the backlog: the loop shall call `Flush` when there is room
   };
-  Sent Send(std::span<const std::uint8_t> message);
+  Sent Send(std::span<const Message> messages);
 
   // Sends from the backlog until it is empty or the socket full; true when it is empty.
   bool Flush();
@@ -59,12 +62,12 @@ class Peer : public std::enable_shared_from_this<Peer> {
 
  private:
   void Lose();
+  void Keep(Message message);
 
   const FileHandle socket_;
   std::uint64_t dropped_ = 0;  // of the loop's thread
 
-  std::atomic<std::uint64_t> undelivered_{0};
-  std::atomic<std::uint64_t> undelivered_bytes_{0};
+  std::atomic<std::uint64_t> undelivered_{0};  // messages in the low half, their bytes in the high
   std::atomic<bool> held_{false};
 
   std::mutex sending_;                             // guards what follows, and the order on the wire

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <memory>
 #include <system_error>
 
 #include "board/board.h"
@@ -48,8 +49,15 @@ void CreateMissing(const fs::path& factory, const fs::path& live) {
 
 }  // namespace
 
-fs::path StorePath(Store store) {
-  return Folder() / "usr/zeph/etc/envcfg" / kFiles[static_cast<std::size_t>(store)];
+const fs::path& StorePath(Store store) {
+  static const auto* const paths = [] {
+    auto made = std::make_unique<std::array<fs::path, kFiles.size()>>();
+    for (std::size_t i = 0; i < kFiles.size(); ++i) {
+      (*made)[i] = Folder() / "usr/zeph/etc/envcfg" / kFiles[i];
+    }
+    return made.release();
+  }();
+  return (*paths)[static_cast<std::size_t>(store)];
 }
 
 void CreateStores() {

@@ -16,7 +16,8 @@ enum class Store : std::uint8_t { kLive, kFactory, kTmp };
 
 inline constexpr std::array<std::string_view, 3> kStoreNames = {"live", "factory", "tmp"};
 
-std::filesystem::path StorePath(Store store);
+// Where it lies in the folder of this process.
+const std::filesystem::path& StorePath(Store store);
 
 // The content of a new factory store: 0xFF but for what a device of one card of 128 by 128 needs.
 std::string FactoryImage();

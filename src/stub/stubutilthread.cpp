@@ -3,6 +3,7 @@
 #include <platform/system.h>
 
 #include <cerrno>
+#include <utility>
 
 #include "mcuctrace.h"
 #include "stub/mcucmessagestruct.h"
@@ -41,8 +42,10 @@ int32_t StartDetachedThread(const char* owner, const char* name, void* (*body)(v
   return result;
 }
 
-void PollPause::Wait() const {
-  const bool busy = std::chrono::steady_clock::now() - last_ < kBusyFor;
+void PollPause::Wait() {
+  const auto now = std::chrono::steady_clock::now();
+  if (std::exchange(found_, false)) last_ = now;
+  const bool busy = now - last_ < kBusyFor;
   platform::SleepMicroseconds(busy ? kBusyPause_us : kIdlePause_us);
 }
 

@@ -18,12 +18,13 @@ int32_t StartDetachedThread(const char* owner, const char* name, void* (*body)(v
 // one millisecond after that, so that an idle device isn't kept awake. Used by one thread.
 class PollPause {
  public:
-  // Says that the poll found something.
-  void Found() { last_ = std::chrono::steady_clock::now(); }
+  // Says that the poll found something; the clock is read only once nothing more is found.
+  void Found() { found_ = true; }
   // Waits until the next poll is due.
-  void Wait() const;
+  void Wait();
 
  private:
+  bool found_ = false;
   std::chrono::steady_clock::time_point last_ = std::chrono::steady_clock::now();
 };
 

@@ -36,7 +36,7 @@ File OpenOutput(const std::filesystem::path& path) {
 }
 
 Start HowToStart(const Daemon::Options& options, int output) {
-  Start start{.command = {Built("quivord")},
+  Start start{.command = {options.program.empty() ? Built("quivord") : options.program},
               .environment = {"QUIVORD_BOARD=" + options.board.string()},
               .out = output,
               .err = output};

@@ -19,6 +19,7 @@ class Daemon {
     std::vector<std::string> arguments = {};                     // such as -info
     std::vector<std::string> environment = {};                   // NAME=VALUE
     std::chrono::milliseconds limit = std::chrono::seconds(30);  // for the start
+    std::string program = {};  // empty for the daemon of this build
   };
 
   // Starts the daemon; its standard output and error go to the file `output()`.

@@ -173,6 +173,39 @@ TEST_F(MessageBus, RepliesGoToThePeerTheyNameInOrder) {
   EXPECT_EQ(SendTo(0x7F0099, 1), 0);  // nobody is there: accepted and dropped
 }
 
+// Sends `count` messages and waits until the first has come, the others behind it.
+void SendMany(RawPeer& peer, std::uint32_t count) {
+  for (std::uint32_t tag = 1; tag <= count; ++tag) ASSERT_TRUE(peer.Send(Message({1}, 0, tag)));
+  ASSERT_TRUE(Take().has_value());
+  std::this_thread::sleep_for(std::chrono::milliseconds(20));
+}
+
+TEST_F(MessageBus, WhatIsSentWhileMessagesWaitKeepsItsOrder) {
+  constexpr std::uint32_t kMessages = 100;
+  RawPeer alice = Connect(kAlice);
+  RawPeer bob = Connect(kBob);
+  SendMany(alice, kMessages);
+  const auto receiver = [](std::uint32_t tag) { return tag % 3 == 0 ? kBob : kAlice; };
+  for (std::uint32_t tag = 1; tag <= kMessages; ++tag) {
+    ASSERT_EQ(SendTo(receiver(tag), tag, Bytes(tag % 10 == 0 ? 2000 : 4)), 0);
+    if (tag == kMessages) break;
+    ASSERT_TRUE(Take().has_value());
+  }
+  for (std::uint32_t tag = 1; tag <= kMessages; ++tag) {
+    const auto message = (receiver(tag) == kBob ? bob : alice).Receive();
+    ASSERT_TRUE(message.has_value()) << tag;
+    EXPECT_EQ(TagOf(*message), tag);
+  }
+}
+
+TEST_F(MessageBus, ReplyDoesNotWaitForALongRequestBehindIt) {
+  RawPeer alice = Connect(kAlice);
+  SendMany(alice, 3);
+  ASSERT_EQ(SendTo(kAlice, 1), 0);
+  ASSERT_TRUE(Take().has_value());  // the long one: nothing is taken or sent while it lasts
+  EXPECT_TRUE(alice.Receive(std::chrono::milliseconds(200)).has_value());
+}
+
 TEST_F(MessageBus, PacketsThatAreNoMessageAreDroppedAndTheConnectionLives) {
   const Bytes whole = Message({1, 2, 3});
   const Bytes cases[] = {
