@@ -21,47 +21,26 @@ void LogBytes(const char* what, const uint8_t* data, int32_t length) {
   }
 }
 
-// The two kinds of message differ in these.
-struct Outgoing {
-  uint32_t destination;
-  const char* name;
-  const char* dump;
-};
-
-// Encodes `msg` behind its envelope into `buffer`, of `size` bytes, and sends it.
-int32_t EncodeAndSend(QMB_proto3rd* msg, const Outgoing& out, uint8_t* buffer, uint32_t size) {
-  const int32_t length = msg->proto.Encode(buffer + kEnvelopeSize, size - kEnvelopeSize);
+// Encodes `msg` behind its envelope and sends it to `destination`. The two kinds of message differ
+// in that and in the texts.
+int32_t EncodeAndSend(QMB_proto3rd* msg, uint32_t destination, const char* name, const char* dump) {
+  uint8_t buffer[kEnvelopeSize + TP_SEND_BUFFER_LENGTH];  // only what is sent is written
+  const int32_t length = msg->proto.Encode(buffer + kEnvelopeSize, TP_SEND_BUFFER_LENGTH);
   if (length < frame::kShortest) {
-    MCUC_LOG(kLogError, out.name << "Encode failed! return.");
+    MCUC_LOG(kLogError, name << "Encode failed! return.");
     return kEncodeFailed;
   }
   msg->ipcHeader.result = msg->proto.m_ucAck;
   msg->ipcHeader.payloadLength = static_cast<uint32_t>(length);
   WriteEnvelope(msg->ipcHeader, buffer);
   const int32_t result =
-      mbus_send(out.destination, buffer, static_cast<uint32_t>(length + kEnvelopeSize));
+      mbus_send(destination, buffer, static_cast<uint32_t>(length + kEnvelopeSize));
   if (result != 0) {
-    MCUC_LOG(kLogError, out.name << "reply message Failed! ret = " << result);
+    MCUC_LOG(kLogError, name << "reply message Failed! ret = " << result);
     return kSendFailed;
   }
-  LogBytes(out.dump, buffer, length + kEnvelopeSize);
+  LogBytes(dump, buffer, length + kEnvelopeSize);
   return 0;
-}
-
-template <uint32_t Size>
-[[gnu::noinline]] int32_t EncodeAndSendFrom(QMB_proto3rd* msg, const Outgoing& out) {
-  uint8_t buffer[Size];  // only what is sent is written
-  return EncodeAndSend(msg, out, buffer, Size);
-}
-
-// A guarded stack is touched page by page before a large buffer is used on it, which costs a short
-// message more than its encoding does; so those have a small buffer.
-int32_t EncodeAndSend(QMB_proto3rd* msg, const Outgoing& out) {
-  constexpr uint32_t kShort = 1024;
-  if (msg->proto.m_data.size() <= kShort) {
-    return EncodeAndSendFrom<kEnvelopeSize + frame::kShortest + kShort>(msg, out);
-  }
-  return EncodeAndSendFrom<kEnvelopeSize + TP_SEND_BUFFER_LENGTH>(msg, out);
 }
 
 }  // namespace
@@ -100,12 +79,12 @@ int32_t McuQMBThread::dealDataBlockNew(const ihead_t* head, const Flabel_t* labe
 }
 
 int32_t McuQMBThread::ReplyMsgNew(QMB_proto3rd* msg) {
-  return EncodeAndSend(
-      msg, {TaskId(cardsel_bit_self(), task::kQmb), "=== ReplyMsg ===ReplyMsg: ", "reply: "});
+  return EncodeAndSend(msg, TaskId(cardsel_bit_self(), task::kQmb),
+                       "=== ReplyMsg ===ReplyMsg: ", "reply: ");
 }
 
 int32_t McuQMBThread::SendMsgNew(QMB_proto3rd* msg) {
-  return EncodeAndSend(msg, {msg->processID, "=== ===SendMsg: ", "send: "});
+  return EncodeAndSend(msg, msg->processID, "=== ===SendMsg: ", "send: ");
 }
 
 int32_t McuQMBThread::syncWriteCmdToAppsNew(ihead_t* head, int32_t length) {
