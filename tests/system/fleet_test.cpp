@@ -43,14 +43,14 @@ class Fleet : public testing::Test {
 };
 
 TEST_F(Fleet, AnswersBoardByBoardAndEndsAsAWhole) {
-  EXPECT_EQ(All({"write", "0xF0000100", "7"}).status, 0);
-  const RunResult text = All({"read", "0xF0000100", "1"});
+  EXPECT_EQ(All({"write", "0xF0000A00", "7"}).status, 0);
+  const RunResult text = All({"read", "0xF0000A00", "1"});
   EXPECT_EQ(text.status, 0) << text.err;
   for (const char* const name : {"01", "02", "03"}) {
-    EXPECT_NE(text.out.find(std::string(name) + "  0xF0000100  07  |.|\n"), std::string::npos)
+    EXPECT_NE(text.out.find(std::string(name) + "  0xF0000A00  07  |.|\n"), std::string::npos)
         << text.out;
   }
-  std::istringstream lines(All({"--json", "read", "0xF0000100", "1"}).out);
+  std::istringstream lines(All({"--json", "read", "0xF0000A00", "1"}).out);
   std::set<std::string> boards;
   for (std::string line; std::getline(lines, line);) {
     boards.insert(nlohmann::json::parse(line).at("board"));
@@ -69,7 +69,7 @@ TEST_F(Fleet, GoesOnWithoutABoardThatEnded) {
       board::ReadWhole(board_kit::Named() / "02/var/run/quivord.pid").value_or("0");
   ASSERT_EQ(kill(std::stoi(pid), SIGKILL), 0);
   while (kill(std::stoi(pid), 0) == 0) usleep(1000);
-  const RunResult rest = All({"read", "0xF0000100", "1"});
+  const RunResult rest = All({"read", "0xF0000A00", "1"});
   EXPECT_EQ(rest.status, 3);
   EXPECT_NE(rest.out.find("01  "), std::string::npos) << rest.out;
   EXPECT_EQ(rest.out.find("02  "), std::string::npos) << rest.out;
