@@ -1,7 +1,9 @@
 #include "socket.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <sys/un.h>
 
 #include <algorithm>
@@ -36,6 +38,18 @@ bool OtherSideClosed(int socket) {
   return poll(&state, 1, 0) == 1;
 }
 
+// Connects, and leaves the socket as one that never waits. Where as many wait already as a busy
+// daemon lets wait, the connection gets its turn within a second or isn't made.
+bool ConnectInTime(int socket, const sockaddr_un& address) {
+  constexpr timeval kLimit{.tv_sec = 1, .tv_usec = 0};
+  int result = setsockopt(socket, SOL_SOCKET, SO_SNDTIMEO, &kLimit, sizeof kLimit);
+  if (result != 0) return false;
+  do {
+    result = connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+  } while (result != 0 && errno == EINTR);
+  return result == 0 && fcntl(socket, F_SETFL, O_NONBLOCK) == 0;
+}
+
 Outcome Register(int socket, std::uint32_t id) {
   std::array<std::uint8_t, 4> packet;
   ZEPH_MCUC::DWQ_ENCDW(packet.data(), id);
@@ -52,9 +66,8 @@ Result<Descriptor> ConnectToBus(const std::filesystem::path& board, std::uint32_
     return Error{Trouble::kWrongUse, "the board folder's path is too long: " + path};
   }
   std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
-  Descriptor socket(::socket(AF_UNIX, SOCK_SEQPACKET | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
-  if (!socket ||
-      connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+  Descriptor socket(::socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
+  if (!socket || !ConnectInTime(socket.get(), address)) {
     return Error{Trouble::kNoDaemon,
                  "no daemon on the board " + board.string() + " (" + std::strerror(errno) + ")"};
   }

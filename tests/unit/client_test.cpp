@@ -342,6 +342,16 @@ TEST(ClientConnect, NoDaemonAndTooLongAPathAreToldApart) {
   EXPECT_EQ(too_long.error().trouble, Trouble::kWrongUse);
 }
 
+TEST(ClientConnect, WaitsForItsTurnAtABusyDaemon) {
+  support::FakeDaemon busy;  // lets two connections wait
+  const auto connect = [&] { return bool(Client::Connect({.board = busy.board(), .id = kId})); };
+  ASSERT_TRUE(connect() && connect());
+  auto third = std::async(std::launch::async, connect);
+  EXPECT_EQ(third.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
+  busy.Accept();
+  EXPECT_TRUE(third.get());
+}
+
 TEST(ClientAck, EveryAckHasWordsOfItsOwn) {
   std::vector<std::string_view> texts;
   texts.reserve(9);
