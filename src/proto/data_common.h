@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <span>
 
 #include "mcucsingleton.h"
@@ -90,7 +91,14 @@ class Data_Global : public Singleton<Data_Global> {
   // refreshes the image. 0, or -1 where the bus failed; the image then has them all the same.
   int32_t WriteFeatureBus(uint32_t offset, std::span<const uint8_t> bytes);
   // Takes `length` bytes of the image from the FPGA. 0; -1 on failure, and the image is as before.
+  // What is taken from one that has not loaded yet is for reads alone: see `KeepOwnImage`.
   int32_t RefreshFromFeatureBus(uint32_t offset, uint32_t length);
+  // Drops what a refresh has taken from an FPGA that has not had the image yet, in front of all
+  // that changes or stores the image: the stored settings would go otherwise.
+  void KeepOwnImage() {
+    const CMutexGuardT guard(m_featureBus);
+    DropForeignBytes();
+  }
   // Puts what a client writes into the image. Until the end of the write a refresh leaves these
   // bytes alone, since the FPGA doesn't hold them yet, or never does. Work thread.
   void BeginFeatureWrite(uint32_t offset, std::span<const uint8_t> bytes);
@@ -107,6 +115,7 @@ class Data_Global : public Singleton<Data_Global> {
   template <class Change>
   void CommitFeatureImage(Change change) {
     const CMutexGuardT guard(m_featureBus);
+    DropForeignBytes();
     change();
     // What fails is logged below; the image stays, so a later block brings the FPGA in line.
     static_cast<void>(SendImageBlock(0x1AE));
@@ -269,11 +278,15 @@ class Data_Global : public Singleton<Data_Global> {
 
   // Whether a refresh leaves byte `at` of the image as it is.
   bool StaysInRefresh(uint32_t at) const MCUC_REQUIRES(m_featureBus);
+  void DropForeignBytes() MCUC_REQUIRES(m_featureBus);
 
   // Orders what takes the feature image from the FPGA with what gives it to the FPGA, so that a
   // refresh never undoes a write that is on its way. Held for one bus transfer at a time.
   CMutexThread m_featureBus;
   bool m_imageAhead MCUC_GUARDED_BY(m_featureBus) = false;  // see `LoadFeatureImage`
+  bool m_imageWaits MCUC_GUARDED_BY(m_featureBus) = false;  // for the FPGA to load
+  // The image in front of what was taken from an FPGA that has not loaded yet, once some was.
+  std::optional<std::array<uint8_t, 512>> m_ownImage MCUC_GUARDED_BY(m_featureBus);
   bool m_roleAhead MCUC_GUARDED_BY(m_featureBus) = false;   // see `EndRole`
   uint32_t m_writeBegin MCUC_GUARDED_BY(m_featureBus) = 0;  // see `BeginFeatureWrite`
   uint32_t m_writeEnd MCUC_GUARDED_BY(m_featureBus) = 0;

@@ -73,6 +73,7 @@ bool StoreIsNew() {
 
 void SaveAll(Data_Global* data) {
   const bool newFlashMarked = StoreIsNew();
+  data->KeepOwnImage();
   Verify(data->SendParameterReg);
   Store(flash::kFeature, data->SendParameterReg, "feature");
   StoreWordTable();

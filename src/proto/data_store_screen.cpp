@@ -124,6 +124,7 @@ void Data_Global::DebugForScreenZero(uint16_t use_point, uint32_t addrs, const c
 
 int32_t Data_Global::WriteFeatureBus(uint32_t offset, std::span<const uint8_t> bytes) {
   const CMutexGuardT guard(m_featureBus);
+  DropForeignBytes();
   SendParameterReg.write(offset, bytes);
   const auto length = static_cast<uint32_t>(bytes.size());
   if (offset <= feature::kRole && feature::kRole < offset + length) m_roleAhead = false;
@@ -139,7 +140,9 @@ int32_t Data_Global::RefreshFromFeatureBus(uint32_t offset, uint32_t length) {
   length = std::min(length, feature::kSize - std::min(offset, feature::kSize));
   const CMutexGuardT guard(m_featureBus);
   const int32_t result = DriverUtil::getInstance()->ReadFPGABusBlock(offset, bytes.data(), length);
-  if (result < 0 || m_imageAhead) return result;
+  const bool changing = m_imageWaits && m_writeBegin != m_writeEnd;
+  if (result < 0 || m_imageAhead || changing) return result;
+  if (m_imageWaits && !m_ownImage) m_ownImage = SendParameterReg.snapshot<feature::kSize>(0);
   for (uint32_t i = 0; i < length; ++i) {
     const uint32_t at = offset + i;
     if (!StaysInRefresh(at)) SendParameterReg[at] = bytes[i];
@@ -147,8 +150,14 @@ int32_t Data_Global::RefreshFromFeatureBus(uint32_t offset, uint32_t length) {
   return result;
 }
 
+void Data_Global::DropForeignBytes() {
+  if (m_ownImage) SendParameterReg.write(0, *m_ownImage);
+  m_ownImage.reset();
+}
+
 void Data_Global::BeginFeatureWrite(uint32_t offset, std::span<const uint8_t> bytes) {
   const CMutexGuardT guard(m_featureBus);
+  DropForeignBytes();
   SendParameterReg.write(offset, bytes);
   m_writeBegin = offset;
   m_writeEnd = offset + static_cast<uint32_t>(bytes.size());
@@ -161,6 +170,7 @@ void Data_Global::EndFeatureWrite() {
 
 void Data_Global::EndRole() {
   const CMutexGuardT guard(m_featureBus);
+  DropForeignBytes();
   SendParameterReg[feature::kRole] = feature::kNoRole;
   m_roleAhead = true;
 }
@@ -168,7 +178,9 @@ void Data_Global::EndRole() {
 void Data_Global::LoadFeatureImage(std::span<const uint8_t, feature::kSize> image) {
   const CMutexGuardT guard(m_featureBus);
   SendParameterReg.write(0, image);
+  m_ownImage.reset();
   m_imageAhead = FpgaOnlineFlag == 1;
+  m_imageWaits = !m_imageAhead;
   m_roleAhead = false;
 }
 
@@ -180,7 +192,8 @@ int32_t Data_Global::SendFeatureImage() {
 int32_t Data_Global::SendImageBlock(uint32_t length) {
   const auto bytes =
       SendParameterReg.snapshot<feature::kBusEnd - feature::kBusPage>(feature::kBusPage);
-  m_imageAhead = false;
+  m_imageAhead = m_imageWaits = false;
+  m_ownImage.reset();
   m_roleAhead = false;
   return DriverUtil::getInstance()->WriteFPGABusBlock(feature::kBusPage, bytes.data(), length);
 }

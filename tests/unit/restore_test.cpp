@@ -1,6 +1,7 @@
 // The boot restore: flash into the arrays, the arrays into the FPGA, and a first boot.
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <regex>
 #include <sstream>
 
@@ -239,6 +240,26 @@ TEST(Restore, ReadInBetweenTakesNothingFromAnFpgaThatDoesNotHoldTheImageYet) {
   device::PutFpga(0x1EC, "01020304");
   inprocess::Read(0x020001E8, 16);
   EXPECT_EQ(Image(0x1EC, 4), "01020304");
+}
+
+// A client reads the page of an FPGA that has yet to load, and then changes or saves something.
+TEST(Restore, ReadBeforeTheFpgaHasLoadedTakesNothingIntoTheStore) {
+  const auto change = [] { device::WriteFeature(0x50, "07"); };
+  const auto save = [] {
+    inprocess::Write(0x01000001, inprocess::Bytes("01"));
+    inprocess::DrainQueue();
+  };
+  device::Begin("none");
+  for (const std::function<void()>& store : {std::function<void()>(change), {save}}) {
+    device::PutFlash(0xA3B160, "11223344");
+    device::PutFpga(0x60, "00000000");
+    Restore(false);
+    EXPECT_EQ(device::Hex(inprocess::Read(0x02000000, 512).m_data).substr(2 * 0x60, 8), "00000000");
+    EXPECT_EQ(device::Hex(inprocess::Read(0x02000060, 4).m_data), "00000000");
+    store();
+    EXPECT_EQ(device::Flash(0xA3B160, 4), "11223344");
+    EXPECT_EQ(device::Hex(inprocess::Read(0x02000060, 4).m_data), "11223344");
+  }
 }
 
 }  // namespace
