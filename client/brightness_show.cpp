@@ -1,6 +1,5 @@
 // `brightness show`, `export` and `preview`: what a plan is.
 #include <ctime>
-#include <fstream>
 
 #include "brightness/draw.h"
 #include "brightness/file.h"
@@ -8,6 +7,7 @@
 #include "brightness/words.h"
 #include "brightness_commands.h"
 #include "commands.h"
+#include "written_files.h"
 
 namespace ctl {
 namespace {
@@ -40,16 +40,15 @@ Exit Export(Context& context, const ExportWords& words) {
     context.out.Show(text, brightness::PlanJson(read.plan));
     return Exit::kDone;
   }
-  std::ofstream file(words.file);
-  file << text << '\n';
-  if (!file.flush()) return context.Fail(Exit::kWrongUse, words.file + " can't be written");
+  const Exit written = WriteFile(context, words.file, text + '\n');
+  if (written != Exit::kDone) return written;
   context.out.Show("wrote " + words.file, {{"file", words.file}});
   return Exit::kDone;
 }
 
 Run DeclareExport(CLI::App& app) {
   const auto words = std::make_shared<ExportWords>();
-  app.add_option("FILE", words->file, "Where it goes (default: standard output)");
+  WritesFile(app.add_option("FILE", words->file, "Where it goes (default: standard output)"));
   return [words](Context& context) { return Export(context, *words); };
 }
 
@@ -105,7 +104,7 @@ Exit Preview(Context& context, const PreviewWords& words) {
 
 Run DeclarePreview(CLI::App& app) {
   const auto words = std::make_shared<PreviewWords>();
-  app.add_option("FILE", words->file, "Where the picture goes; .png or .svg says which")
+  WritesFile(app.add_option("FILE", words->file, "Where the picture goes; .png or .svg says which"))
       ->required();
   app.add_option("--plan", words->plan, "A plan's file (default: what the device holds)")
       ->type_name("FILE");

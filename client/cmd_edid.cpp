@@ -12,6 +12,7 @@
 #include "table.h"
 #include "video/edid_facts.h"
 #include "video/mode.h"
+#include "written_files.h"
 
 namespace ctl {
 namespace {
@@ -173,9 +174,8 @@ Exit Save(Context& context, const Words& words) {
     const Answer answer = device.Read(image);
     if (!Done(answer)) return context.Fail(answer.exit, answer.text);
     if (!HasEdid(image)) return context.Fail(Exit::kRefused, kNothingShown);
-    std::ofstream file(words.file, std::ios::binary);
-    file.write(reinterpret_cast<const char*>(image.data()), image.size());
-    if (!file.flush()) return context.Fail(Exit::kWrongUse, words.file + " can't be written");
+    const Exit written = WriteFile(context, words.file, image);
+    if (written != Exit::kDone) return written;
     context.out.Show("wrote " + words.file, {{"file", words.file}, {"group", group}});
     return Exit::kDone;
   });
@@ -212,7 +212,7 @@ Run DeclareWrite(CLI::App& app) {
 
 Run DeclareSave(CLI::App& app) {
   const auto words = std::make_shared<Words>();
-  app.add_option("FILE", words->file, "Where the 256 bytes go")->required();
+  WritesFile(app.add_option("FILE", words->file, "Where the 256 bytes go"))->required();
   return With(app, words, Save);
 }
 

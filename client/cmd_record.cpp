@@ -12,6 +12,7 @@
 #include "trace/busline.h"
 #include "trace/follower.h"
 #include "trace/interrupt.h"
+#include "written_files.h"
 
 namespace ctl {
 namespace {
@@ -114,7 +115,8 @@ Exit Record(Context& context, const Words& words) {
 
 Run Declare(CLI::App& app) {
   const auto words = std::make_shared<Words>();
-  app.add_option("FILE", words->file, "Where the recording goes; a file that is there is replaced")
+  WritesFile(app.add_option("FILE", words->file,
+                            "Where the recording goes; a file that is there is replaced"))
       ->required();
   app.add_option("--for", words->seconds, "End after so long (default: with Ctrl-C)")
       ->type_name("SECONDS")

@@ -4,6 +4,7 @@
 #include "video/mode.h"
 #include "video/scale_picture.h"
 #include "video/scale_plan.h"
+#include "written_files.h"
 
 namespace ctl {
 namespace {
@@ -56,7 +57,7 @@ Run Declare(CLI::App& app) {
   app.add_option("--scaler", words->scaler, "Scaler: 0 to 2 of medium quality, 3 the preview's")
       ->check(CLI::Range(0, 3))
       ->capture_default_str();
-  app.add_option("--draw", words->file, "Draw the rectangles into a .png or .svg")
+  WritesFile(app.add_option("--draw", words->file, "Draw the rectangles into a .png or .svg"))
       ->type_name("FILE");
   return [words](Context& context) { return Show(context, *words); };
 }

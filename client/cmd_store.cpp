@@ -11,6 +11,7 @@
 #include "store_file.h"
 #include "subcommands.h"
 #include "table.h"
+#include "written_files.h"
 
 namespace ctl {
 namespace {
@@ -162,12 +163,8 @@ Exit Get(const Context& context, const Words& words) {
     context.out.Show(HexText(*bytes), object);
     return Exit::kDone;
   }
-  std::ofstream file(words.file, std::ios::binary);
-  file.write(reinterpret_cast<const char*>(bytes->data()),
-             static_cast<std::streamsize>(bytes->size()));
-  if (!file.flush()) {
-    return context.Fail(Exit::kWrongUse, words.file + " can't be written");
-  }
+  exit = WriteFile(context, words.file, *bytes);
+  if (exit != Exit::kDone) return exit;
   object["file"] = words.file;
   context.out.Show(Count(place.length) + " from " + AddressText(place.address) + " (" +
                        NameOf(place.address, place.length) + ") in " + words.file,
@@ -250,7 +247,9 @@ Run Declare(CLI::App& app) {
   }
   put->add_option("BYTES", words->bytes, "Bytes in hexadecimal");
   for (CLI::App* part : {get, put}) {
-    part->add_option("--file", words->file, "File of plain bytes")->type_name("FILE");
+    auto* const file = part->add_option("--file", words->file, "File of plain bytes");
+    file->type_name("FILE");
+    if (part == get) WritesFile(file);
   }
   return [words, get, put](Context& context) {
     if (put->parsed()) return Put(context, *words);

@@ -4,6 +4,7 @@
 #include "commands.h"
 #include "quivord/interface_version.h"
 #include "subcommands.h"
+#include "written_files.h"
 
 namespace ctl {
 namespace {
@@ -39,6 +40,10 @@ CommandTree::CommandTree() : app_(kAbout, "quivordctl") {
 
 int CommandTree::Run() const {
   if (!words_.all) return static_cast<int>(RunOnOne(words_));
+  if (const std::string file = FileOfAllBoards(); !file.empty()) {
+    throw CLI::ValidationError("--all", "would let all boards write " + file +
+                                            "; have {board} in its name, which stands for each's");
+  }
   const auto folder = Understand(words_).board;
   const auto boards = BoardsIn(folder);
   if (boards.empty()) {
@@ -54,6 +59,7 @@ int CommandTree::Run() const {
 
 Exit CommandTree::RunOnOne(const OptionWords& words) const {
   const Options options = Understand(words);
+  NameWrittenFiles(options.board);
   Output out(options.json);
   Context context{options, out};
   for (const auto& [command, run] : commands_) {

@@ -1,8 +1,8 @@
 // A configuration file built from a readable description.
-#include <fstream>
 
 #include "cardfiles/description.h"
 #include "files_commands.h"
+#include "written_files.h"
 
 namespace ctl {
 namespace {
@@ -22,10 +22,8 @@ Exit Pack(const Context& context, const Words& words) {
       cardfiles::Compile(std::string(text->begin(), text->end()),
                          [&folder](const std::string& name) { return ReadLocal(folder / name); });
   if (!bytes) return context.Fail(Exit::kWrongUse, words.description + ", " + bytes.error().text);
-  std::ofstream file(words.file, std::ios::binary);
-  file.write(reinterpret_cast<const char*>(bytes.value().data()),
-             static_cast<std::streamsize>(bytes.value().size()));
-  if (!file.flush()) return context.Fail(Exit::kWrongUse, words.file + " can't be written");
+  const Exit written = WriteFile(context, words.file, bytes.value());
+  if (written != Exit::kDone) return written;
   const auto verdict = cardfiles::Check(bytes.value());
   context.out.Show(words.file + ": " + CountText(verdict.packs, "pack") + ", " +
                        CountText(bytes.value().size(), "byte") + ", sent in " +
@@ -40,7 +38,7 @@ Exit Pack(const Context& context, const Words& words) {
 Run DeclarePack(CLI::App& app) {
   const auto words = std::make_shared<Words>();
   app.add_option("DESCRIPTION", words->description, "A text, a line a pack")->required();
-  app.add_option("FILE", words->file, "The configuration file to write")->required();
+  WritesFile(app.add_option("FILE", words->file, "The configuration file to write"))->required();
   return [words](Context& context) { return Pack(context, *words); };
 }
 

@@ -1,6 +1,7 @@
 #include "colour/draw.h"
 #include "gamma_commands.h"
 #include "picture_mode.h"
+#include "written_files.h"
 
 namespace ctl {
 namespace {
@@ -31,7 +32,7 @@ Exit Draw(const Context& context, const Words& words) {
 
 Run Declare(CLI::App& app) {
   const auto words = std::make_shared<Words>();
-  app.add_option("FILE", words->file, "Where the picture goes; .png or .svg says which")
+  WritesFile(app.add_option("FILE", words->file, "Where the picture goes; .png or .svg says which"))
       ->required();
   app.add_option("--scale", words->scale, "How fine a PNG is")
       ->type_name("N")

@@ -1,10 +1,10 @@
-#include <fstream>
 
 #include "commands.h"
 #include "device.h"
 #include "wall/draw.h"
 #include "wall/text.h"
 #include "wall_commands.h"
+#include "written_files.h"
 
 namespace ctl {
 namespace {
@@ -63,7 +63,7 @@ Exit Draw(Context& context, const DrawWords& words) {
 
 Run DeclareDraw(CLI::App& app) {
   const auto words = std::make_shared<DrawWords>();
-  app.add_option("FILE", words->file, "Where the picture goes; .png or .svg says which")
+  WritesFile(app.add_option("FILE", words->file, "Where the picture goes; .png or .svg says which"))
       ->required();
   app.add_option("--scale", words->scale, "How fine a PNG is")
       ->type_name("N")
@@ -102,16 +102,15 @@ Exit Export(Context& context, const ExportWords& words) {
     context.out.Show(text, object);
     return Exit::kDone;
   }
-  std::ofstream file(words.file);
-  file << text << '\n';
-  if (!file.flush()) return context.Fail(Exit::kWrongUse, words.file + " can't be written");
+  const Exit written = WriteFile(context, words.file, text + '\n');
+  if (written != Exit::kDone) return written;
   context.out.Show("wrote " + words.file, {{"file", words.file}});
   return Exit::kDone;
 }
 
 Run DeclareExport(CLI::App& app) {
   const auto words = std::make_shared<ExportWords>();
-  app.add_option("FILE", words->file, "Where it goes (default: standard output)");
+  WritesFile(app.add_option("FILE", words->file, "Where it goes (default: standard output)"));
   return [words](Context& context) { return Export(context, *words); };
 }
 

@@ -64,6 +64,18 @@ TEST_F(Fleet, AnswersBoardByBoardAndEndsAsAWhole) {
   EXPECT_NE(after.err.find("03  quivordctl: "), std::string::npos) << after.err;
 }
 
+TEST_F(Fleet, WritesAFileForEachBoard) {
+  const std::filesystem::path folder = board_kit::Named();
+  const auto get = [&](const char* file) { return All({"wall", "draw", folder / file}); };
+  const RunResult shared = get("wall.svg");
+  EXPECT_EQ(shared.status, 2);
+  EXPECT_NE(shared.err.find("have {board} in its name"), std::string::npos) << shared.err;
+  EXPECT_EQ(get("wall-{board}.svg").status, 0);
+  for (const char* const file : {"wall-01.svg", "wall-02.svg", "wall-03.svg"}) {
+    EXPECT_TRUE(std::filesystem::exists(folder / file)) << file;
+  }
+}
+
 TEST_F(Fleet, GoesOnWithoutABoardThatEnded) {
   const std::string pid =
       board::ReadWhole(board_kit::Named() / "02/var/run/quivord.pid").value_or("0");
