@@ -29,6 +29,7 @@ bool HasCommand(const CLI::App& app, const std::string& name) {
 int RunTool(Arguments arguments, const Arguments& daemon_options) {
   int status = board_tool::kDone;
   CLI::App app("Makes and drives simulated boards for quivord.", "quivord-board");
+  app.set_version_flag("--version", "quivord-board " QUIVORD_VERSION, "Print the version");
   app.require_subcommand(1);
   app.footer(kStatuses);
   board_tool::AddCommands(app, daemon_options, status);

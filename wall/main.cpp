@@ -79,6 +79,7 @@ int Run(const Words& words) {
 
 int main(int argc, char** argv) {
   CLI::App app("Shows the wall of a simulated board in a browser.", "quivord-wall");
+  app.set_version_flag("--version", "quivord-wall " QUIVORD_VERSION, "Print the version");
   Words words;
   Declare(app, words);
   try {
