@@ -9,7 +9,7 @@ import subprocess
 import tempfile
 import unittest
 
-from scenario import BUILD, ROOT
+from scenario import BUILD, ROOT, Scenario
 
 CTL = BUILD / "quivordctl"
 
@@ -55,13 +55,11 @@ class Help(unittest.TestCase):
         self.assertRegex(said("--version"), rf"^quivordctl \d+\.\d+\.\d+, interface {number}\n$")
 
 
-class Colours(unittest.TestCase):
-    def on_a_terminal(self, **environment):
-        """What a doctor of a board that isn't there prints on a terminal."""
-        terminal, end = pty.openpty()
-        kept = {key: value for key, value in os.environ.items() if key != "NO_COLOR"}
-        subprocess.run([CTL, "--board", "/nonexistent/board", "doctor"], stdout=end, stderr=end, check=False,
-                       env={**kept, "TERM": "xterm", **environment})
+def on_a_terminal(*words, **environment):
+    """What quivordctl prints on a terminal."""
+    terminal, end = pty.openpty()
+    kept = {key: value for key, value in os.environ.items() if key != "NO_COLOR"}
+    with subprocess.Popen([CTL, *words], stdout=end, stderr=end, env={**kept, "TERM": "xterm", **environment}):
         os.close(end)
         text = b""
         try:
@@ -69,17 +67,42 @@ class Colours(unittest.TestCase):
                 text += piece
         except OSError:  # read to its end
             pass
-        os.close(terminal)
-        return text.decode().replace("\r\n", "\n")
+    os.close(terminal)
+    return text.decode().replace("\r\n", "\n")
+
+
+class Colours(unittest.TestCase):
+    def doctor(self, **environment):
+        return on_a_terminal("--board", "/nonexistent/board", "doctor", **environment)
 
     def test_only_on_a_terminal_and_never_with_no_color(self):
         plain = said("--board", "/nonexistent/board", "doctor", status=3)
         self.assertNotIn("\033", plain)
-        coloured = self.on_a_terminal()
+        coloured = self.doctor()
         self.assertIn("\033[1;31mWRONG\033[0m", coloured)
         self.assertEqual(re.sub("\033\\[[0-9;]*m", "", coloured), plain)
-        self.assertEqual(self.on_a_terminal(NO_COLOR="1"), plain)
-        self.assertEqual(self.on_a_terminal(TERM="dumb"), plain)
+        self.assertEqual(self.doctor(NO_COLOR="1"), plain)
+        self.assertEqual(self.doctor(TERM="dumb"), plain)
+
+
+class Progress(unittest.TestCase):
+    def setUp(self):
+        self.on = Scenario()
+        self.addCleanup(self.on.close)
+        self.on.start_daemon()
+        self.addCleanup(self.on.stop_daemon)
+
+    def test_is_a_bar_that_goes_away_and_only_on_a_terminal(self):
+        words = ["--board", self.on.board, "gamma", "upload", "--exponent", "2.4"]
+        said = on_a_terminal(*words)
+        steps = re.findall(r"\r\033\[Ksent \[(#*)(\.*)\] (\d+) %", said)
+        self.assertEqual([int(step[2]) for step in steps], sorted({int(step[2]) for step in steps}))
+        self.assertEqual(steps[-1], ("#" * 30, "", "100"))
+        self.assertEqual({len(full + rest) for full, rest, _ in steps}, {30})
+        self.assertNotIn("sent [", said.rsplit("\r\033[K", 1)[1])
+        plain = subprocess.run([CTL, *words], capture_output=True, text=True, check=True)
+        self.assertEqual((plain.stderr, plain.stdout), ("", said.rsplit("\r\033[K", 1)[1]))
+        self.assertNotIn("sent [", on_a_terminal("--json", *words))
 
 
 # What is typed, the last word as far as it is, and what has to be among the answers, or not.
@@ -134,7 +157,8 @@ class Manual(unittest.TestCase):
             subprocess.run([ROOT / "scripts/manual", CTL, folder], check=True)
             pages = {path.name for path in pathlib.Path(folder).glob("*.[18]")}
             wanted = {f"quivordctl-{words[0]}.1" for words in COMMANDS}
-            self.assertEqual(pages, wanted | {"quivordctl.1", "quivord.8", "quivord-board.1", "quivord-wall.1"})
+            self.assertEqual(pages, wanted | {"quivordctl.1", "quivord.8", "quivord-board.1", "quivord-wall.1",
+                                               "quivord-platform-check.8"})
             lint = subprocess.run(["mandoc", "-T", "lint", "-W", "warning", *sorted(pages)], cwd=folder, check=False,
                                   capture_output=True, text=True)
             faults = [line for line in lint.stdout.splitlines() if "paragraph macro: PP" not in line]  # scdoc's own
