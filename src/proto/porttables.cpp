@@ -25,6 +25,13 @@ int32_t WritePositions(uint32_t offset, std::span<const uint8_t> bytes) {
       0, 0, kPositionBus + offset, static_cast<uint32_t>(bytes.size()), bytes.data());
 }
 
+int32_t RepeatPositions(std::span<uint8_t> buffer) {
+  const CMutexGuardT guard(g_tableBus);
+  PortsTopoPara.read(0, buffer);
+  return DriverUtil::getInstance()->FPGAC5_WriteDataBlock(
+      0, 0, kPositionBus, static_cast<uint32_t>(buffer.size()), buffer.data());
+}
+
 int32_t RefreshPositions(uint32_t offset, uint32_t length) {
   std::array<uint8_t, kPositionSize> bytes;
   const CMutexGuardT guard(g_tableBus);

@@ -2,6 +2,7 @@
 // order, and the tables behind it.
 #include <gtest/gtest.h>
 
+#include <future>
 #include <regex>
 
 #include "process/tprocess.h"
@@ -242,6 +243,16 @@ TEST(PortTables, GoBetweenClientAndFpga) {
   EXPECT_EQ(device::Hex(PortsTopoPara.snapshot<4>(kPositionSize - 4)), "00005566")
       << "what fits, in memory alone";
   EXPECT_EQ(device::Fpga(0x500020, 5), "00a1a3a4a5");
+}
+
+TEST(PortTables, WriteTestOfTheBusUndoesNoWrite) {
+  device::Begin("none");
+  auto test = std::async(std::launch::async, [] { inprocess::Read(0x030001EF, 4); });
+  std::uint8_t value = 0;
+  do {
+    WritePositions(1, {&++value, 1});
+    ASSERT_EQ(device::Fpga(0x600001, 1), device::Hex({&value, 1}));
+  } while (test.wait_for(std::chrono::seconds(0)) != std::future_status::ready);
 }
 
 }  // namespace
