@@ -19,8 +19,8 @@ inline constinit SharedBytes<kNumberSize> NumberPartPara;
 
 // Puts `bytes` into the position tables at `offset` and onto the bus.
 int32_t WritePositions(uint32_t offset, std::span<const uint8_t> bytes);
-// Puts the first bytes of the position tables onto the bus once more, by way of `buffer`, as many as
-// it has.
+// Puts the first bytes of the position tables onto the bus once more, by way of `buffer`, as many
+// as it has.
 int32_t RepeatPositions(std::span<uint8_t> buffer);
 // Takes `length` bytes of the position tables from the bus; the tables stay as they were where it
 // fails.
