@@ -6,8 +6,8 @@
 #include "board/files.h"
 #include "stub/mcucmessagestruct_layout.h"
 #include "support/board_kit.h"
-#include "support/daemon.h"
 #include "support/inprocess.h"
+#include "support/on_daemon.h"
 #include "support/raw_peer.h"
 #include "support/run.h"
 
@@ -69,20 +69,12 @@ void ExpectAnswer(RawPeer& peer) {
   EXPECT_EQ(reply[28 + 2], 0);
 }
 
-class Bus : public testing::Test {
+class Bus : public support::OnDaemon {
  protected:
-  void Start(std::vector<std::string> arguments = {}) {
-    daemon_ = std::make_unique<support::Daemon>(
-        support::Daemon::Options{.board = board_kit::Named(), .arguments = std::move(arguments)});
-    ASSERT_TRUE(daemon_->WaitUntilItAnswers()) << daemon_->OutputText();
-  }
   void TearDown() override {
     EXPECT_EQ(daemon_->OutputText().find("Sanitizer"), std::string::npos) << daemon_->OutputText();
   }
   static RawPeer Connect(uint32_t id) { return {board_kit::Named(), id}; }
-  ~Bus() override { std::filesystem::remove(board_kit::Named().string() + ".output"); }
-
-  std::unique_ptr<support::Daemon> daemon_;
 };
 
 TEST_F(Bus, ReplyIsPinnedByteForByte) {
