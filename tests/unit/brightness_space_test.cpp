@@ -162,36 +162,6 @@ TEST(BrightnessSpace, WeekdaysCountFromSundayAtAStart) {
   EXPECT_EQ(Brightness::INT_Once, brightness::kArmed) << "the ring waits for the next node";
 }
 
-TEST(BrightnessSpace, AMixThatCanNotRunArmsNothing) {
-  StartAt(kNoon);
-  loop::Pass();
-  Upload(TwoNodes().Bytes());
-  EXPECT_EQ(SentValues(), Values{51});
-  Mix readings = TwoNodes();
-  readings.readings = 17;
-  Mix noValid = TwoNodes();
-  for (auto& node : noValid.nodes) node.valid = 0;
-  Data outside = TwoNodes().Bytes();
-  brightness_bytes::Put16(outside, 5, 0x1400 - 32);
-  Mix stopped = TwoNodes();
-  stopped.runs = false;
-  const std::pair<const char*, Data> kCases[] = {{"readings", readings.Bytes()},
-                                                 {"no valid node", noValid.Bytes()},
-                                                 {"nodes outside", outside},
-                                                 {"does not run", stopped.Bytes()}};
-  board_kit::StoreFlash(kFlash + 0x1400 - 32, {2});
-  for (const auto& [what, file] : kCases) {
-    SCOPED_TRACE(what);
-    Upload(TwoNodes().Bytes());
-    static_cast<void>(SentValues());
-    Upload(file);
-    loop::SetBoardTime_us((kFriday + 20 * 3600 - 5) * loop::kSecond_us);
-    loop::Passes(700 * kSecond);
-    EXPECT_EQ(SentValues(), Values{});
-    loop::SetBoardTime_us(kNoon * loop::kSecond_us);
-  }
-}
-
 TEST(BrightnessSpace, TheSensorModeChangesTheScreenEverySixReadings) {
   StartAt(kNoon);
   board_kit::Put("sensors/lux", "500");
