@@ -13,7 +13,6 @@ from harness import LIMIT, Board, Stream, Wall, merged, until
 MIB = 1 << 20
 # The report that of ports 0 to 3 port 0 alone has a link.
 BUS_LINE = "1 bus < 0x000a3900 21 aa55000000000000000000001f0000020100017855\n"
-BUS_WORDS = "ports with a copper link, of 0 to 3: 0"
 
 
 class ServerCase(unittest.TestCase):
@@ -89,15 +88,6 @@ class Events(ServerCase):
         self.assertGreater(len(came), 5)
         for first, eleventh in zip(came, came[10:]):
             self.assertGreater(eleventh - first, 0.9)
-
-    def test_a_report_in_the_trace_is_told(self):
-        stream = self.stream()
-        stream.next()
-        with open(self.board.folder / "trace.log", "a", encoding="ascii") as trace:
-            trace.write("no line of a trace\n1 bus <\n" + BUS_LINE)
-        state = stream.until(lambda s: s["log"]["entries"], "the report arrives")
-        (entry,) = state["log"]["entries"].values()
-        self.assertEqual((entry["kind"], entry["text"]), ("report", BUS_WORDS))
 
 
 class Orders(ServerCase):

@@ -47,6 +47,13 @@ Bytes Registration(std::uint32_t id) {
   return packet;
 }
 
+Bytes FrameOf(const ZEPH_MCUC::FrameHead& head, const Bytes& data) {
+  const auto size = ZEPH_MCUC::FrameSize(static_cast<std::int32_t>(data.size()));
+  Bytes bytes(static_cast<std::size_t>(size));
+  ZEPH_MCUC::WriteFrame(head, data, bytes.data());
+  return bytes;
+}
+
 Bytes Message(const Bytes& frame, std::uint32_t id, std::uint32_t tag,
               std::optional<std::uint32_t> label_size) {
   Bytes packet(ZEPH_MCUC::kEnvelopeSize + frame.size());

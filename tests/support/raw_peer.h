@@ -8,12 +8,17 @@
 #include <optional>
 #include <vector>
 
+#include "stub/frame_layout.h"
+
 namespace support {
 
 using Bytes = std::vector<std::uint8_t>;
 
 // The four bytes that register task `id`.
 Bytes Registration(std::uint32_t id);
+
+// A frame with a right sum; its head says how many data there are, or are asked for.
+Bytes FrameOf(const ZEPH_MCUC::FrameHead& head, const Bytes& data = {});
 
 // Envelope and frame: `frame` as it stands, the label's size its length unless another is given.
 Bytes Message(const Bytes& frame, std::uint32_t id = 0, std::uint32_t tag = 0,

@@ -16,12 +16,7 @@ using support::RawPeer;
 constexpr std::uint32_t kFirstPeer = 0x7E0200;
 
 Bytes ReadFrame(std::uint32_t address, std::uint16_t length) {
-  ZEPH_MCUC::FrameHead head;
-  head.registerAddress = address;
-  head.dataLength = length;
-  Bytes frame(static_cast<std::size_t>(ZEPH_MCUC::FrameSize(0)));
-  ZEPH_MCUC::WriteFrame(head, {}, frame.data());
-  return frame;
+  return support::FrameOf({.registerAddress = address, .dataLength = length});
 }
 
 Bytes RandomBytes(std::mt19937& random, std::size_t most) {

@@ -8,7 +8,7 @@
 #include "support/board_kit.h"
 #include "support/brightness_bytes.h"
 #include "support/ctl.h"
-#include "support/daemon.h"
+#include "support/on_daemon.h"
 #include "support/run.h"
 
 namespace {
@@ -36,18 +36,12 @@ std::string Example(const std::string& kind) {
   return support::Source("examples/brightness-" + std::string(kind) + ".json");
 }
 
-class BrightnessCommand : public testing::Test {
+class BrightnessCommand : public support::OnDaemon {
  protected:
   void SetUp() override {
     board_kit::Configure("fpga.load_ms = 1\n");
     board_kit::Put("etc/init.d/flag_fpgaload", "");
     Start();
-  }
-
-  void Start() {
-    daemon_ =
-        std::make_unique<support::Daemon>(support::Daemon::Options{.board = board_kit::Named()});
-    ASSERT_TRUE(daemon_->WaitUntilItAnswers()) << daemon_->OutputText();
   }
 
   // The plan once the daemon has loaded it, which it does in its first pass.
@@ -56,8 +50,6 @@ class BrightnessCommand : public testing::Test {
     for (int i = 0; i < 100 && shown.value("kind", "") != kind; ++i) shown = Objects({"show"})[0];
     return shown;
   }
-
-  std::unique_ptr<support::Daemon> daemon_;
 };
 
 TEST_F(BrightnessCommand, EveryPlanSurvivesARestart) {
@@ -67,11 +59,10 @@ TEST_F(BrightnessCommand, EveryPlanSurvivesARestart) {
     const auto said = Objects({"plan", Example(kind)});
     EXPECT_EQ(said.back()["plan"], kind);
     EXPECT_EQ(said.front()["note"].is_string(), std::string(kind) == "mix");
-    const std::string file = board_kit::Named() / "exported.json";
+    const std::string file = File("exported.json");
     Objects({"export", file});
     json before = Shown(kind);
-    daemon_->Kill();
-    Start();
+    Restart();
     json after = Shown(kind);
     before.erase("next");  // it comes nearer
     after.erase("next");
@@ -87,7 +78,7 @@ TEST_F(BrightnessCommand, ALongFileGoesInPieces) {
     std::snprintf(time, sizeof time, "%02d:%02d", i / 4, i % 4 * 15);
     plan["nodes"].push_back({{"time", time}, {"percent", i}});
   }
-  const std::string file = board_kit::Named() / "plan.json";
+  const std::string file = File("plan.json");
   std::ofstream(file) << plan;
   Shown("none");
   const std::vector<json> wanted = {{{"plan", "mix"}, {"bytes", 824}, {"note", nullptr}}};
@@ -120,14 +111,16 @@ TEST_F(BrightnessCommand, SetReachesTheCardsThatAreMeant) {
 }
 
 TEST_F(BrightnessCommand, PreviewDrawsFileAndDevice) {
-  const std::string picture = board_kit::Named() / "day.png";
+  const std::string picture = File("day.png");
   EXPECT_EQ(Ctl({"preview", picture}).status, 1) << "no plan yet";
   Shown("none");
   Objects({"plan", Example("list")});
   Objects({"preview", picture, "--scale", "1"});
   EXPECT_GT(std::filesystem::file_size(picture), 10'000U);
   daemon_->Kill();
-  Objects({"preview", picture, "--week", "--plan", Example("mix"), "--day", "sun"});
+  for (const char* kind : {"mix", "sensor", "hardware"}) {
+    Objects({"preview", picture, "--week", "--plan", Example(kind), "--day", "sun"});
+  }
   EXPECT_EQ(Ctl({"preview", picture}).status, 3);
   EXPECT_EQ(Ctl({"preview", "day.gif", "--plan", Example("mix")}).status, 2);
   EXPECT_EQ(Ctl({"preview", picture, "--plan", Example("mix"), "--day", "today"}).status, 2);

@@ -6,8 +6,8 @@
 #include "board/files.h"
 #include "stub/mcucmessagestruct_layout.h"
 #include "support/board_kit.h"
-#include "support/daemon.h"
 #include "support/inprocess.h"
+#include "support/on_daemon.h"
 #include "support/raw_peer.h"
 #include "support/run.h"
 
@@ -15,34 +15,14 @@ namespace {
 
 using namespace ZEPH_MCUC;
 using inprocess::Bytes;
+using support::FrameOf;
 using support::RawPeer;
 using Data = std::vector<uint8_t>;
 
-// A frame as a client makes it, with a right sum.
-struct Frame {
-  uint8_t destination = 0;
-  uint8_t device = 0;
-  uint8_t code = 0;
-  uint32_t address = 0;
-  uint16_t length = 0;
-  Data data = {};
-  uint16_t sumFault = 0;
-
-  Data Packet() const {
-    Data bytes(18 + data.size() + 2);
-    DWQ_ENCWD(&bytes[0], 0xAA55);
-    bytes[5] = destination;
-    bytes[6] = device;
-    bytes[10] = code;
-    DWQ_ENCDW(&bytes[12], address);
-    DWQ_ENCWD(&bytes[16], length);
-    std::copy(data.begin(), data.end(), bytes.begin() + 18);
-    uint16_t sum = 0x5555;
-    for (std::size_t i = 2; i < bytes.size() - 2; ++i) sum = static_cast<uint16_t>(sum + bytes[i]);
-    DWQ_ENCWD(&bytes[bytes.size() - 2], static_cast<uint16_t>(sum + sumFault));
-    return bytes;
-  }
-};
+Data WithWrongSum(Data frame) {
+  frame.back() ^= 1;
+  return frame;
+}
 
 struct Labels {
   uint16_t small = LABEL_MSG_LOCAL;
@@ -62,27 +42,20 @@ constexpr uint32_t kGoodTag = 0x600D;
 // Asks for a register: the reply to that and to nothing before it, since a peer's messages keep
 // their order.
 void ExpectAnswer(RawPeer& peer) {
-  ASSERT_TRUE(peer.Send(Message(kGoodTag, Frame{.address = kTestCell, .length = 4}.Packet())));
+  ASSERT_TRUE(
+      peer.Send(Message(kGoodTag, FrameOf({.registerAddress = kTestCell, .dataLength = 4}))));
   const Data reply = peer.Receive().value_or(Data{});
   ASSERT_EQ(reply.size(), 28U + 24U);
   EXPECT_EQ(DWQ_DECDW(&reply[16]), kGoodTag);
   EXPECT_EQ(reply[28 + 2], 0);
 }
 
-class Bus : public testing::Test {
+class Bus : public support::OnDaemon {
  protected:
-  void Start(std::vector<std::string> arguments = {}) {
-    daemon_ = std::make_unique<support::Daemon>(
-        support::Daemon::Options{.board = board_kit::Named(), .arguments = std::move(arguments)});
-    ASSERT_TRUE(daemon_->WaitUntilItAnswers()) << daemon_->OutputText();
-  }
   void TearDown() override {
     EXPECT_EQ(daemon_->OutputText().find("Sanitizer"), std::string::npos) << daemon_->OutputText();
   }
   static RawPeer Connect(uint32_t id) { return {board_kit::Named(), id}; }
-  ~Bus() override { std::filesystem::remove(board_kit::Named().string() + ".output"); }
-
-  std::unique_ptr<support::Daemon> daemon_;
 };
 
 TEST_F(Bus, ReplyIsPinnedByteForByte) {
@@ -108,12 +81,10 @@ struct Case {
 };
 
 std::vector<Case> Cases() {
-  const Frame read{.address = kTestCell, .length = 4};
-  const Data good = read.Packet();
+  const Data good = FrameOf({.registerAddress = kTestCell, .dataLength = 4});
   const auto write = [](uint16_t length, std::size_t bytes) {
-    return Message(
-        1,
-        Frame{.code = 1, .address = kTestCell, .length = length, .data = Data(bytes, 5)}.Packet());
+    return Message(1, FrameOf({.code = 1, .registerAddress = kTestCell, .dataLength = length},
+                              Data(bytes, 5)));
   };
   return {
       {"no frame", Message(1, {}), {}},
@@ -125,15 +96,19 @@ std::vector<Case> Cases() {
       {"small label 1", Message(1, good, {.small = 1}), 0, 4},
       {"zeros", Message(1, Data(20)), 2},
       {"a read with 65516 bytes behind it",
-       Message(1, Frame{.address = kTestCell, .length = 4, .data = Data(65516)}.Packet()), 0, 4},
-      {"wrong sum", Message(1, Frame{.address = kTestCell, .sumFault = 1}.Packet()), 2},
+       Message(1, FrameOf({.registerAddress = kTestCell, .dataLength = 4}, Data(65516))), 0, 4},
+      {"wrong sum", Message(1, WithWrongSum(FrameOf({.registerAddress = kTestCell}))), 2},
       {"wrong sum, destination 5",
-       Message(1, Frame{.destination = 5, .address = kTestCell, .sumFault = 1}.Packet()), 2},
+       Message(1, WithWrongSum(FrameOf({.destinationAddress = 5, .registerAddress = kTestCell}))),
+       2},
       {"destination 5",
-       Message(1, Frame{.destination = 5, .address = kTestCell, .length = 4}.Packet()), 0, 4},
-      {"device type 9", Message(1, Frame{.device = 9, .address = kTestCell, .length = 4}.Packet()),
-       0},
-      {"operation 9", Message(1, Frame{.code = 9, .address = kTestCell, .length = 4}.Packet()), 0},
+       Message(1,
+               FrameOf({.destinationAddress = 5, .registerAddress = kTestCell, .dataLength = 4})),
+       0, 4},
+      {"device type 9",
+       Message(1, FrameOf({.deviceType = 9, .registerAddress = kTestCell, .dataLength = 4})), 0},
+      {"operation 9",
+       Message(1, FrameOf({.code = 9, .registerAddress = kTestCell, .dataLength = 4})), 0},
       {"a write that promises more", write(200, 199), 5},
       {"a write of 64 KiB", write(65516, 65516), 4},
       {"a write with more than promised", write(1, 300), 0},
@@ -192,8 +167,8 @@ TEST_F(Bus, LoopWorkAndRequestsRunSideBySide) {
   RawPeer peer = Connect(0x7F0001);
   for (uint8_t i = 0; i < 60; ++i) {
     ASSERT_TRUE(peer.Send(Message(
-        1, Frame{.code = 1, .address = 0x02000050U + i, .length = 1, .data = {i}}.Packet())));
-    ASSERT_TRUE(peer.Send(Message(1, Frame{.address = 0x020001E8, .length = 16}.Packet())));
+        1, FrameOf({.code = 1, .registerAddress = 0x02000050U + i, .dataLength = 1}, {i}))));
+    ASSERT_TRUE(peer.Send(Message(1, FrameOf({.registerAddress = 0x020001E8, .dataLength = 16}))));
     EXPECT_EQ(peer.Receive().value_or(Data{}).size(), 28U + 20U);
     EXPECT_EQ(peer.Receive().value_or(Data{}).size(), 28U + 20U + 16U);
   }

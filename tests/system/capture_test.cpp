@@ -16,6 +16,7 @@ namespace {
 
 using namespace ZEPH_MCUC;
 using support::Bytes;
+using support::FrameOf;
 
 constexpr std::uint32_t kPeer = 0x7F0001;
 constexpr auto kSlow = std::chrono::seconds(120);  // the analyser, on a busy machine
@@ -43,12 +44,6 @@ class Capture : public testing::Test {
     return run.out;
   }
 };
-
-Bytes FrameOf(const FrameHead& head, const Bytes& data = {}) {
-  Bytes bytes(static_cast<std::size_t>(FrameSize(static_cast<std::int32_t>(data.size()))));
-  WriteFrame(head, data, bytes.data());
-  return bytes;
-}
 
 FrameHead Ask(std::uint32_t address, std::uint16_t length, JSHL_ProtoRequestType_e code) {
   return {

@@ -8,34 +8,20 @@
 #include "proto/calc_curves.h"
 #include "support/board_kit.h"
 #include "support/ctl.h"
-#include "support/daemon.h"
 #include "support/device.h"
+#include "support/on_daemon.h"
 
 namespace {
 
 using nlohmann::json;
-using support::RunResult;
-using support::Words;
 using ZEPH_MCUC::GammaTable;
 
 constexpr auto Out = &support::CtlOut;
 constexpr auto Json = &support::CtlJson;
 
-class CtlColour : public testing::Test {
+class CtlColour : public support::OnDaemon {
  protected:
   void SetUp() override { Start(); }
-
-  void Start() {
-    daemon_.emplace(support::Daemon::Options{.board = board_kit::Named()});
-    ASSERT_TRUE(daemon_->WaitUntilItAnswers()) << daemon_->OutputText();
-  }
-
-  void Restart() {
-    daemon_.reset();
-    Start();
-  }
-
-  static std::string File(const char* name) { return board_kit::Named() / name; }
 
   static std::string Tables() {
     return device::Fpga(0x700000, 8192) + device::Fpga(0x710000, 8192) +
@@ -46,9 +32,6 @@ class CtlColour : public testing::Test {
     const std::string one = device::Hex(table);
     return one + one + one;
   }
-
- private:
-  std::optional<support::Daemon> daemon_;
 };
 
 TEST_F(CtlColour, ModesAreChosenShownAndForgottenByARestart) {
@@ -169,28 +152,15 @@ TEST_F(CtlColour, WhatCannotBeIsRefusedBeforeItIsSent) {
   board_kit::Put("words.csv", "one\n");
   board_kit::Put("short.bin", std::string(8191, '\0'));
   const std::string before = device::Fpga(0xA00000, 64) + Tables();
-  const Words cases[] = {
-      {"hdr", "hdr10", "--peak", "0"},
-      {"hdr", "hdr10", "--ambient", "256"},
-      {"hdr", "hlg", "--class", "7"},
-      {"picture", "set", "--saturation", "101"},
-      {"picture", "set", "--hue", "360"},
-      {"pattern", "pixel", "--every-x", "8", "--every-y", "8", "--first-x", "8"},
-      {"pattern", "block", "--width", "0", "--height", "8"},
-      {"pattern", "block", "--width", "8", "--height", "8", "--first-y", "-8"},
-      {"gamma", "upload"},
-      {"gamma", "upload", "--exponent", "2", "--depth", "11"},
-      {"gamma", "upload", File("falling.csv")},
-      {"gamma", "upload", File("short.csv")},
-      {"gamma", "upload", File("words.csv")},
-      {"gamma", "upload", File("short.bin")},
-      {"gamma", "upload", File("missing.csv")},
-      {"gamma", "draw", File("gamma.gif")},
-      {"--device", "receiver", "hdr", "off"},
-  };
-  for (const Words& words : cases) {
-    const RunResult run = support::Ctl(words);
-    EXPECT_EQ(run.status, 2) << words[1] << ' ' << run.out;
+  for (const char* words :
+       {"hdr hdr10 --peak 0", "hdr hdr10 --ambient 256", "hdr hlg --class 7",
+        "picture set --saturation 101", "picture set --hue 360",
+        "pattern pixel --every-x 8 --every-y 8 --first-x 8", "pattern block --width 0 --height 8",
+        "pattern block --width 8 --height 8 --first-y -8", "gamma upload",
+        "gamma upload --exponent 2 --depth 11", "gamma upload %/falling.csv",
+        "gamma upload %/short.csv", "gamma upload %/words.csv", "gamma upload %/short.bin",
+        "gamma upload %/missing.csv", "gamma draw %/gamma.gif", "--device receiver hdr off"}) {
+    const auto run = support::ExpectCtl({words, "2"});
     EXPECT_TRUE(run.err.starts_with("quivordctl: ")) << run.err;
   }
   EXPECT_EQ(device::Fpga(0xA00000, 64) + Tables(), before);

@@ -6,7 +6,7 @@
 #include "cardfiles/description.h"
 #include "support/board_kit.h"
 #include "support/ctl.h"
-#include "support/daemon.h"
+#include "support/on_daemon.h"
 
 namespace {
 
@@ -17,18 +17,9 @@ using support::Words;
 
 constexpr char kFolder[] = "usr/zeph/etc/owd/cabCfg/";
 
-class Files : public testing::Test {
+class Files : public support::OnDaemon {
  protected:
   Files() { board_kit::Configure("speed = 200\ntrace = card\n"); }
-
-  void Start() {
-    daemon_.emplace(support::Daemon::Options{.board = Named()});
-    ASSERT_TRUE(daemon_->WaitUntilItAnswers()) << daemon_->OutputText();
-  }
-  void Restart() {
-    daemon_.reset();
-    Start();
-  }
 
   // A file of `packs` packs of 4096 bytes each, on this computer; its path.
   static std::string Make(const std::string& name, int packs) {
@@ -48,9 +39,6 @@ class Files : public testing::Test {
     return board::ReadWhole(path).value_or("none");
   }
   static std::string Bytes(const std::string& path) { return board::ReadWhole(path).value_or(""); }
-
- private:
-  std::optional<support::Daemon> daemon_;
 };
 
 TEST_F(Files, RoundTripFromDescriptionToCards) {

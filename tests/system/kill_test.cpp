@@ -10,11 +10,12 @@
 #include <thread>
 
 #include "board/power.h"
+#include "support/board_kit.h"
+#include "support/daemon.h"
 #include "support/deeds.h"
 #include "support/device.h"
 #include "support/inprocess.h"
 #include "support/model_peer.h"
-#include "support/ready_daemon.h"
 #include "support/rough_peer.h"
 #include "support/run.h"
 

@@ -1,51 +1,33 @@
 // quivordctl as a user meets it: what it prints, how it ends, what it sends.
-#include <fcntl.h>
 #include <gtest/gtest.h>
 
-#include <csignal>
-#include <cstdlib>
+#include <algorithm>
 #include <fstream>
 #include <future>
 #include <nlohmann/json.hpp>
 
-#include "stub/frame_layout.h"
+#include "stub/mcucmessagestruct_layout.h"
 #include "support/ctl.h"
-#include "support/daemon.h"
 #include "support/fake_daemon.h"
-#include "support/run.h"
+#include "support/on_daemon.h"
 
 namespace {
 
 namespace bus = ZEPH_MCUC;
 using support::Bytes;
+using support::Ctl;
 using support::FakeDaemon;
 using support::RunResult;
-using Words = std::vector<std::string>;
+using support::Words;
 
-std::filesystem::path Board() { return std::getenv("QUIVORD_BOARD"); }
-
-RunResult Ctl(const std::filesystem::path& board, const Words& words) {
-  Words command{support::Built("quivordctl"), "--board", board.string()};
-  command.insert(command.end(), words.begin(), words.end());
-  return support::Run(command);
+RunResult On(const FakeDaemon& daemon, Words words) {
+  words.insert(words.begin(), {"--board", daemon.board().string()});
+  return Ctl(words);
 }
 
-std::string Line(const Words& words) {
-  std::string line;
-  for (const std::string& word : words) line += (line.empty() ? "" : " ") + word;
-  return line;
-}
-
-class QuivordctlOnADaemon : public testing::Test {
+class QuivordctlOnADaemon : public support::OnDaemon {
  protected:
-  void SetUp() override {
-    daemon_ = std::make_unique<support::Daemon>(support::Daemon::Options{.board = Board()});
-    ASSERT_TRUE(daemon_->WaitUntilItAnswers()) << daemon_->OutputText();
-  }
-
-  static RunResult Ctl(const Words& words) { return ::Ctl(Board(), words); }
-
-  std::unique_ptr<support::Daemon> daemon_;
+  void SetUp() override { Start(); }
 };
 
 TEST_F(QuivordctlOnADaemon, ReadsBackWhatItWrote) {
@@ -61,82 +43,51 @@ TEST_F(QuivordctlOnADaemon, ReadsBackWhatItWrote) {
 }
 
 TEST_F(QuivordctlOnADaemon, EndsAsTheDeviceAnswers) {
-  const struct {
-    Words words;
-    int status;
-    const char* says;  // on standard error, or for status 0 on standard output
-  } cases[] = {
-      {{"read", "0x00010000", "4"}, 0, "no data"},
-      {{"read", "0xF0000000", "0"}, 0, ""},
-      {{"read", "0xF0000000", "4095"}, 0, "0xF0000FF0"},
-      {{"read", "0xF0000000", "4096"}, 1, "takes 0 to 4095"},
-      {{"read", "0x02010000", "4"}, 1, "no register space has address 0x02010000"},
-      {{"read", "0x00010000", "513"}, 1, "ack 4"},
-      {{"--as", "owd", "read", "0xF0000000", "1"}, 0, "0xF0000000"},
-      {{"--as", "0x7F4321", "read", "0xF0000000", "1"}, 0, "0xF0000000"},
-      {{"--as", "0x0A4200", "read", "0xF0000000", "1"}, 3, "ended the connection"},
-  };
-  for (const auto& test : cases) {
-    const RunResult result = Ctl(test.words);
-    EXPECT_EQ(result.status, test.status) << Line(test.words) << "\n" << result.err;
-    const std::string& said = test.status == 0 ? result.out : result.err;
-    EXPECT_NE(said.find(test.says), std::string::npos) << Line(test.words) << "\n" << said;
+  for (const auto& row : support::Rows(3, R"(
+      read 0x00010000 4               | 0 | no data
+      read 0xF0000000 0               | 0 |
+      read 0xF0000000 4095            | 0 | 0xF0000FF0
+      read 0xF0000000 4096            | 1 | takes 0 to 4095
+      read 0x02010000 4               | 1 | no register space has address 0x02010000
+      read 0x00010000 513             | 1 | ack 4
+      --as owd read 0xF0000000 1      | 0 | 0xF0000000
+      --as 0x7F4321 read 0xF0000000 1 | 0 | 0xF0000000
+      --as 0x0A4200 read 0xF0000000 1 | 3 | ended the connection
+    )")) {
+    support::ExpectCtl(row);
   }
-}
-
-TEST_F(QuivordctlOnADaemon, PingMeasuresRoundTrips) {
-  const RunResult result = Ctl({"--json", "ping", "--count", "20"});
-  ASSERT_EQ(result.status, 0) << result.err;
-  const auto ping = support::JsonOf(result.out);
-  EXPECT_EQ(ping["count"], 20);
-  EXPECT_GT(ping["minimum_us"], 0);
-  EXPECT_LE(ping["minimum_us"], ping["median_us"]);
-  EXPECT_LE(ping["median_us"], ping["p99_us"]);
-  EXPECT_NE(Ctl({"ping"}).out.find("100 round trips: minimum "), std::string::npos);
 }
 
 TEST(Quivordctl, WrongUseEndsWith2AndOneLine) {
-  const Words cases[] = {
-      {},
-      {"frobnicate"},
-      {"read"},
-      {"read", "0xF0000100"},
-      {"read", "0x1FFFFFFFF", "4"},
-      {"read", "02000018", "4"},
-      {"read", "x", "4"},
-      {"read", "0xF0000100", "-1"},
-      {"read", "0xF0000100", "65517"},
-      {"write", "0xF0000100"},
-      {"write", "0xF0000100", "1FF"},
-      {"write", "0xF0000100", "0x"},
-      {"write", "0xF0000100", "zz"},
-      {"--as", "nobody", "read", "1", "1"},
-      {"--as", "123", "read", "1", "1"},
-      {"--device", "toaster", "read", "1", "1"},
-      {"--port", "16", "read", "1", "1"},
-      {"--card", "65535", "read", "1", "1"},
-      {"--timeout", "0", "read", "1", "1"},
-      {"--timeout", "nan", "read", "1", "1"},
-      {"ping", "--count", "0"},
-  };
-  for (const Words& words : cases) {
-    const RunResult result = Ctl(Board(), words);
-    EXPECT_EQ(result.status, 2) << Line(words) << "\n" << result.err;
+  for (const char* words : {"",
+                            "frobnicate",
+                            "read",
+                            "read 0xF0000100",
+                            "read 0x1FFFFFFFF 4",
+                            "read 02000018 4",
+                            "read x 4",
+                            "read 0xF0000100 -1",
+                            "read 0xF0000100 65517",
+                            "write 0xF0000100",
+                            "write 0xF0000100 1FF",
+                            "write 0xF0000100 0x",
+                            "write 0xF0000100 zz",
+                            "--as nobody read 1 1",
+                            "--as 123 read 1 1",
+                            "--device toaster read 1 1",
+                            "--port 16 read 1 1",
+                            "--card 65535 read 1 1",
+                            "--timeout 0 read 1 1",
+                            "--timeout nan read 1 1",
+                            "ping --count 0"}) {
+    const RunResult result = support::ExpectCtl({words, "2"});
     EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
-  }
-}
-
-TEST(Quivordctl, HelpShowsExamplesOfEachCommand) {
-  for (const char* command : {"read", "write", "monitor", "ping"}) {
-    const RunResult result = support::Run({support::Built("quivordctl"), command, "--help"});
-    EXPECT_EQ(result.status, 0);
-    EXPECT_NE(result.out.find("Examples:\n  quivordctl "), std::string::npos) << command;
   }
 }
 
 TEST(Quivordctl, NoDaemonEndsWith3AndNamesTheBoard) {
   for (const char* command : {"ping", "monitor"}) {
-    const RunResult result = Ctl("/nonexistent/board", {"--json", command});
+    const RunResult result = Ctl({"--board", "/nonexistent/board", "--json", command});
     EXPECT_EQ(result.status, 3) << command;
     EXPECT_NE(result.err.find("/nonexistent/board"), std::string::npos) << result.err;
     EXPECT_EQ(support::JsonOf(result.out)["status"], 3);
@@ -146,35 +97,28 @@ TEST(Quivordctl, NoDaemonEndsWith3AndNamesTheBoard) {
 TEST(Quivordctl, DaemonThatDoesNotAnswerEndsWith3InTime) {
   FakeDaemon daemon;
   const auto begin = std::chrono::steady_clock::now();
-  const RunResult result = Ctl(daemon.board(), {"--timeout", "0.2", "read", "0xF0000100", "4"});
+  const RunResult result = On(daemon, {"--timeout", "0.2", "read", "0xF0000100", "4"});
   EXPECT_EQ(result.status, 3);
   EXPECT_NE(result.err.find("in time"), std::string::npos) << result.err;
   EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
 }
 
 TEST(Quivordctl, WriteThatWouldBeLostIsNotSent) {
-  const struct {
-    Words words;
-    const char* says;
-  } cases[] = {
-      {{"write", "0x020001FE", "01", "02", "03"}, "0x0 to 0x1FF of the feature space"},
-      {{"write", "0x03009FFF", "0102"}, "0x0 to 0x9FFF of the netscanborad space"},
-      {{"write", "0x02010000", "01"}, "no register space"},
-      {{"write", "0x01000003", "01"}, "takes 5 to 512"},
-  };
-  for (const auto& test : cases) {
-    // No daemon is there: a request would end with another status.
-    const RunResult result = Ctl("/nonexistent/board", test.words);
-    EXPECT_EQ(result.status, 1) << Line(test.words) << "\n" << result.err;
-    EXPECT_NE(result.err.find(test.says), std::string::npos) << result.err;
+  for (const auto& row : support::Rows(3, R"(
+      write 0x020001FE 01 02 03 | 1 | 0x0 to 0x1FF of the feature space
+      write 0x03009FFF 0102     | 1 | 0x0 to 0x9FFF of the netscanborad space
+      write 0x02010000 01       | 1 | no register space
+      write 0x01000003 01       | 1 | takes 5 to 512
+    )")) {
+    support::ExpectCtl(row);  // no daemon is there: a request would end with another status
   }
 }
 
 TEST(Quivordctl, RequestsToCardsCarryTheirPlaceAndRefusalsComeInWords) {
   FakeDaemon daemon;
   auto run = std::async(std::launch::async, [&] {
-    return Ctl(daemon.board(), {"--device", "distribute", "--port", "all", "--card", "7", "write",
-                                "0x02000001", "80"});
+    return On(daemon, {"--device", "distribute", "--port", "all", "--card", "7", "write",
+                       "0x02000001", "80"});
   });
   daemon.Accept();
   const Bytes request = daemon.Receive().value_or(Bytes(48));
@@ -185,27 +129,24 @@ TEST(Quivordctl, RequestsToCardsCarryTheirPlaceAndRefusalsComeInWords) {
   EXPECT_EQ(head.boardAddress, 7);
   head.ack = bus::JSHL_Timeout;
   head.dataLength = 0;
-  Bytes frame(static_cast<std::size_t>(bus::FrameSize(0)));
-  bus::WriteFrame(head, {}, frame.data());
-  daemon.Send(support::Message(frame, 0, bus::ReadEnvelope(request.data()).detail));
+  const auto tag = bus::ReadEnvelope(request.data()).detail;
+  daemon.Send(support::Message(support::FrameOf(head), 0, tag));
   const RunResult result = run.get();
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.err, "quivordctl: refused: the card behind the port did not answer (ack 1)\n");
 }
 
 void SendReport(FakeDaemon& daemon, std::uint32_t address, const Bytes& data) {
-  Bytes frame(static_cast<std::size_t>(bus::FrameSize(static_cast<std::int32_t>(data.size()))));
-  bus::WriteFrame(
-      {.registerAddress = address, .dataLength = static_cast<std::uint16_t>(data.size())}, data,
-      frame.data());
-  daemon.Send(support::Message(frame));
+  const auto length = static_cast<std::uint16_t>(data.size());
+  daemon.Send(
+      support::Message(support::FrameOf({.registerAddress = address, .dataLength = length}, data)));
 }
 
 TEST(Quivordctl, MonitorPrintsReportsAsOwdOfTheBoardsSlot) {
   FakeDaemon daemon;
   std::ofstream(daemon.board() / "board.conf") << "slot = 3\n";
   auto run = std::async(std::launch::async, [&] {
-    return Ctl(daemon.board(), {"monitor", "--count", "2"});
+    return On(daemon, {"monitor", "--count", "2"});
   });
   EXPECT_EQ(daemon.Accept(), 0x030A3900U);
   SendReport(daemon, 0x14000000, {1});
@@ -218,21 +159,12 @@ TEST(Quivordctl, MonitorPrintsReportsAsOwdOfTheBoardsSlot) {
 
 TEST(Quivordctl, MonitorEndsWith3WhenTheDaemonDies) {
   FakeDaemon daemon;
-  auto run = std::async(std::launch::async, [&] { return Ctl(daemon.board(), {"monitor"}); });
+  auto run = std::async(std::launch::async, [&] { return On(daemon, {"monitor"}); });
   daemon.Accept();
   daemon.HangUp();
   const RunResult result = run.get();
   EXPECT_EQ(result.status, 3);
   EXPECT_NE(result.err.find("the daemon has ended"), std::string::npos) << result.err;
-}
-
-TEST(Quivordctl, MonitorEndsWith0OnCtrlC) {
-  FakeDaemon daemon;
-  support::Process monitor(
-      {{support::Built("quivordctl"), "--board", daemon.board().string(), "monitor"}});
-  ASSERT_NE(daemon.Accept(), 0U);
-  monitor.Signal(SIGINT);
-  EXPECT_EQ(monitor.Wait(std::chrono::seconds(10)), 0);
 }
 
 }  // namespace

@@ -5,14 +5,12 @@
 #include "record/recording.h"
 #include "support/board_kit.h"
 #include "support/ctl.h"
-#include "support/ready_daemon.h"
+#include "support/on_daemon.h"
 
 namespace {
 
 using quivord::record::Recording;
 using support::Ctl;
-
-constexpr char kBoard[] = "port.0.cards = 8\nport.1.cards = 8\ntrace = bus\n";
 
 std::string Example() {
   return board::ReadWhole(support::Source("examples/demo.rec")).value_or("");
@@ -33,9 +31,17 @@ std::vector<std::pair<std::uint32_t, quivord::record::Bytes>> Sent(const Recordi
   return sent;
 }
 
-TEST(Replay, TheDemoIsTheSameOnAFreshBoard) {
-  const support::ReadyDaemon daemon(kBoard);
-  const std::string kept = board_kit::Named() / "kept.rec";
+class Replay : public support::OnDaemon {
+ protected:
+  void SetUp() override {
+    board_kit::Configure("port.0.cards = 8\nport.1.cards = 8\ntrace = bus\n");
+    Start();
+    Load();
+  }
+};
+
+TEST_F(Replay, TheDemoIsTheSameOnAFreshBoard) {
+  const std::string kept = File("kept.rec");
   const auto before = Ctl({"record", kept, "--once"});
   ASSERT_EQ(before.status, 0) << before.err;
   const std::size_t setup = Sent(Understood(board::ReadWhole(kept).value())).size();
@@ -57,15 +63,14 @@ TEST(Replay, TheDemoIsTheSameOnAFreshBoard) {
   }
 }
 
-TEST(Replay, AChangedByteIsReported) {
-  const support::ReadyDaemon daemon(kBoard);
+TEST_F(Replay, AChangedByteIsReported) {
   std::string text = Example();
   const std::string open = "de0100f001005a";  // the last answer about the output
   const auto at = text.rfind(open);
   ASSERT_NE(at, text.npos);
   text.replace(at, open.size(), "de0100f001005b");
   board_kit::Put("changed.rec", text);
-  const std::string file = board_kit::Named() / "changed.rec";
+  const std::string file = File("changed.rec");
   const auto run = Ctl({"--json", "replay", file, "--compare", "--patience", "3"});
   EXPECT_EQ(run.status, 1) << run.out << run.err;
   const auto told = nlohmann::json::parse(run.out, nullptr, false);
@@ -84,29 +89,20 @@ TEST(Replay, AChangedByteIsReported) {
 }
 
 TEST(Record, SaysWhatIsMissing) {
-  struct Case {
-    const char* configuration;
-    support::Words words;
-    int status;
-    const char* says;
-  };
-  const Case kCases[] = {
-      {"trace = fpga\n", {"record", "x.rec", "--once"}, 1, "leaves the bus out; put 'trace = bus'"},
-      {"trace = buses\n", {"record", "x.rec", "--once"}, 1, "board.conf:1: "},
-      {"trace = bus\n", {"record", "/no/such/folder/x.rec", "--once"}, 2, "can't write"},
-      {"trace = bus\n", {"replay", "no.rec"}, 2, "can't read no.rec"},
-      {"trace = bus\n", {"replay", support::Source("README.md")}, 2, "this is no recording"},
-      {"trace = bus\n", {"replay", support::Source("examples/demo.rec")}, 3, "no daemon"},
-      {"trace = bus\n",
-       {"replay", support::Source("examples/demo.rec"), "--speed", "-1"},
-       2,
-       "--speed"},
-  };
-  for (const Case& fault : kCases) {
-    board_kit::Put("board.conf", fault.configuration);
-    const auto run = Ctl(fault.words);
-    EXPECT_EQ(run.status, fault.status) << run.err;
-    EXPECT_NE(run.err.find(fault.says), run.err.npos) << run.err;
+  board_kit::Put("demo.rec", Example());
+  board_kit::Put("text.rec", "no recording\n");
+  // The command, how it ends, what it says, and what the board traces.
+  for (const auto& row : support::Rows(4, R"(
+      record x.rec --once             | 1 | leaves the bus out; put 'trace = bus' | fpga
+      record x.rec --once             | 1 | board.conf:1:                         | buses
+      record /no/such/folder/x --once | 2 | can't write                           | bus
+      replay no.rec                   | 2 | can't read no.rec                     | bus
+      replay %/text.rec               | 2 | this is no recording                  | bus
+      replay %/demo.rec               | 3 | no daemon                             | bus
+      replay %/demo.rec --speed -1    | 2 | --speed                               | bus
+    )")) {
+    board_kit::Configure("trace = " + row[3] + "\n");
+    support::ExpectCtl(row);
   }
 }
 

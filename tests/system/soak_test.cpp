@@ -8,20 +8,18 @@
 #include <future>
 #include <thread>
 
-#include "board/power.h"
 #include "proto/registerspace_names.h"
 #include "support/deeds.h"
 #include "support/device.h"
 #include "support/inprocess.h"
 #include "support/model_peer.h"
-#include "support/ready_daemon.h"
+#include "support/on_daemon.h"
 #include "support/rough_peer.h"
 #include "support/run.h"
 
 namespace {
 
 using namespace std::chrono_literals;
-using Clock = std::chrono::steady_clock;
 using More = std::function<bool()>;
 
 // Windows into spaces that are memory: what is written is read back. Behind the first 256 numbers
@@ -201,15 +199,19 @@ Holdings AfterTraffic(support::Daemon& daemon, unsigned seed, std::chrono::milli
   return WhenAtRest(daemon.pid());
 }
 
-TEST(Soak, NobodyIsHarmedByTheOthers) {
+using Soak = support::OnDaemon;
+
+TEST_F(Soak, NobodyIsHarmedByTheOthers) {
   const int minutes = support::FromEnvironment("QUIVORD_SOAK_MINUTES", 0);
   const auto whole = minutes > 0 ? std::chrono::seconds(60 * minutes) : 8s;
   const auto first = minutes > 10 ? 600s : whole / 2;  // until the daemon has seen everything
   const unsigned seed = std::random_device()();
   SCOPED_TRACE("seed " + std::to_string(seed));
-  support::ReadyDaemon daemon("speed = 50\n");
-  const Holdings before = AfterTraffic(*daemon, seed, first);
-  const Holdings after = AfterTraffic(*daemon, seed + 1, whole - first);
+  board_kit::Configure("speed = 50\n");
+  Start();
+  Load();
+  const Holdings before = AfterTraffic(*daemon_, seed, first);
+  const Holdings after = AfterTraffic(*daemon_, seed + 1, whole - first);
   std::printf("resident %ld KiB, then %ld KiB; files %ld, then %ld\n", before.resident,
               after.resident, before.files, after.files);
   EXPECT_EQ(after.files, before.files);

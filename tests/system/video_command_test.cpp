@@ -7,7 +7,7 @@
 #include "board/files.h"
 #include "support/board_kit.h"
 #include "support/ctl.h"
-#include "support/daemon.h"
+#include "support/on_daemon.h"
 #include "support/process.h"
 
 namespace {
@@ -17,15 +17,9 @@ using nlohmann::json;
 using support::Ctl;
 using support::CtlJson;
 
-class VideoCommand : public testing::Test {
+class VideoCommand : public support::OnDaemon {
  protected:
-  void SetUp() override {
-    daemon_ =
-        std::make_unique<support::Daemon>(support::Daemon::Options{.board = board_kit::Named()});
-    ASSERT_TRUE(daemon_->WaitUntilItAnswers()) << daemon_->OutputText();
-  }
-
-  static std::string File(const char* name) { return board_kit::Named() / name; }
+  void SetUp() override { Start(); }
 
   // The size that a group shows, and the source ID that is current.
   static json Shown(const char* group) {
@@ -33,8 +27,6 @@ class VideoCommand : public testing::Test {
     return {timing["horizontal"]["active"], timing["vertical"]["active"]};
   }
   static json Current() { return CtlJson({"read", "0x020001A5", "1"})["data"]; }
-
-  std::unique_ptr<support::Daemon> daemon_;
 };
 
 TEST_F(VideoCommand, InputsAreFoundAndShownTheirModes) {

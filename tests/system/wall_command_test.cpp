@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "support/ctl.h"
-#include "support/daemon.h"
+#include "support/on_daemon.h"
 #include "support/wall_bytes.h"
 #include "wall/text.h"
 
@@ -29,22 +29,12 @@ std::vector<std::string> Configure(const Smart& smart) {
                           std::to_string(smart.perCable));
 }
 
-class WallCommand : public testing::Test {
+class WallCommand : public support::OnDaemon {
  protected:
   void SetUp() override {
     board_kit::Put("etc/init.d/flag_fpgaload", "");
     Start();
   }
-
-  void Start() {
-    daemon_ =
-        std::make_unique<support::Daemon>(support::Daemon::Options{.board = board_kit::Named()});
-    ASSERT_TRUE(daemon_->WaitUntilItAnswers()) << daemon_->OutputText();
-  }
-
-  static std::string File(const char* name) { return board_kit::Named() / name; }
-
-  std::unique_ptr<support::Daemon> daemon_;
 };
 
 TEST_F(WallCommand, ASmartWallComesBackAsItWasAskedForAndOutlivesAPowerCut) {
@@ -56,9 +46,7 @@ TEST_F(WallCommand, ASmartWallComesBackAsItWasAskedForAndOutlivesAPowerCut) {
   EXPECT_EQ(Object(Configure(other)), Shown(other));
   EXPECT_EQ(Object({"configure", File("wall.json"), "--wait"}), Shown(wall));
 
-  daemon_->Kill();
-  daemon_.reset();
-  Start();
+  Restart();
   EXPECT_EQ(Object({"show"}), Shown(wall));
 }
 

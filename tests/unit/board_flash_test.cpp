@@ -1,4 +1,4 @@
-// The flash stores: what a new board holds, bounds, power cuts and what they lose, the boot loader.
+// The flash stores: where they lie, power cuts and what they lose, the boot loader.
 #include <gtest/gtest.h>
 #include <platform/flash.h>
 #include <platform/system.h>
@@ -37,34 +37,6 @@ Bytes Read(std::uint32_t address, std::uint32_t length) {
 
 int Write(std::uint32_t address, const Bytes& data) {
   return WriteDataToFlashx(address, static_cast<std::uint32_t>(data.size()), data.data());
-}
-
-TEST(BoardFlash, NewStoresHoldADeviceOfOneCard) {
-  ASSERT_EQ(Flash_Init(), 0);
-  const std::string store = File(kLive);
-  ASSERT_EQ(store.size(), 16U << 20);
-  EXPECT_TRUE(store == File(kFactory));
-  EXPECT_FALSE(fs::exists(Named() / kTmp));
-
-  EXPECT_EQ(Read(0xA3B122, 0x0C), (Bytes{0, 0x20, 128, 0, 128, 0, 0, 0, 0, 0, 128, 0}));
-  EXPECT_EQ(Read(0xA3B13F, 1), Bytes{0x28});
-  for (const std::uint32_t window : {0x51U, 0x5AU, 0x6CU, 0xB1U, 0xCCU, 0x131U, 0x155U, 0x170U}) {
-    EXPECT_EQ(Read(0xA3B100 + window, 9), (Bytes{128, 0, 128, 0, 0, 0, 0, 0, 0})) << window;
-  }
-  EXPECT_EQ(Read(0xA3B2EC, 5), (Bytes{128, 0, 128, 0, 0}));
-  for (const std::uint32_t record : {0x00U, 0x20U, 0xE0U, 0x200U, 0x220U}) {
-    EXPECT_EQ(Read(0xA5C000 + record, 3), (Bytes{1, 0, 0})) << record;
-  }
-  EXPECT_EQ(Read(0xA5C100, 0x100), Bytes(0x100, 0)) << "common part of the number table";
-  EXPECT_EQ(Read(0xC20000, 16), (Bytes{128, 0, 0, 0, 128, 0, 0, 0, 128, 0, 0, 0, 128, 0, 0, 0}));
-  EXPECT_EQ(Read(0xC20030, 5), (Bytes{0, 1, 1, 1, 0xFF}));
-  EXPECT_EQ(Read(0xC20040, 16), (Bytes{1, 0x55, 0, 0, 0, 0, 128, 0, 128, 0, 1, 1, 0, 1, 0, 0xFF}));
-  EXPECT_EQ(Read(0xB99015, 5), (Bytes{0, 1, 1, 1, 0}));
-  EXPECT_EQ(Read(0x2400, 1), Bytes{0x28});
-  EXPECT_EQ(Read(0x200030, 8), (Bytes{0x80, 7, 0x38, 4, 0x70, 0x17, 0, 0})) << "ninth input";
-  const std::size_t written =
-      512 + 0x20000 + 768 + 5 + 4096 + 0x1400 + 72 + 16 + 4 + 15;  // no 0xFF among them
-  EXPECT_EQ(std::count(store.begin(), store.end(), '\xFF'), (16 << 20) - written);
 }
 
 TEST(BoardFlash, ThreeStoresAndTheirTrace) {

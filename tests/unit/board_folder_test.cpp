@@ -40,25 +40,9 @@ TEST(BoardFolder, NewOneHoldsEverything) {
     EXPECT_TRUE(fs::is_directory(Folder() / name)) << name;
   }
   EXPECT_EQ(ReadWhole(Folder() / "sys/class/fpga/fpga_conf"), "1\n");
-  for (const char* const name : {"etc/init.d/flag_fpgaload", "run/mbus", "var/run/quivord.pid"}) {
-    EXPECT_FALSE(fs::exists(Folder() / name)) << name << " is not the set-up's to make";
-  }
   struct stat status {};
   ASSERT_EQ(stat((Folder() / "fpga/1.mem").c_str(), &status), 0);
   EXPECT_LT(status.st_blocks * 512, 1 << 20) << "cells take room on disk";
-}
-
-TEST(BoardFolder, NewCellsShowTheLinksOfAllPortsWithDevices) {
-  Configure(
-      "port.0.cards=0\nport.0.multi=0\nport.1.cards=1\nport.6.boxes=1\nport.15.launchers=1\n");
-  const auto cells = *ReadWhole(Folder() / "fpga/1.mem");
-  for (const std::size_t word : {0xF05100U})
-    EXPECT_EQ(cells.substr(word, 4), (std::string{2, 4, 0, 8}));
-  EXPECT_EQ((std::string{cells[0x1F], cells[0x9F], cells[0x126], cells[0x127]}),
-            (std::string{2, 4, 0, 8}));
-  std::size_t set = 0;
-  for (const char cell : cells) set += cell != 0;
-  EXPECT_EQ(set, 6U);
 }
 
 TEST(BoardFolder, KeepsWhatIsThereAndFillsUpShortFiles) {

@@ -59,13 +59,6 @@ TEST(BoardFpga, StatusCellsAreTheHardwares) {
       EXPECT_EQ(got[i], status ? 0 : 0xFF) << std::hex << cell;
     }
   }
-  const std::uint8_t five = 5;
-  for (const auto& [first, last] : kStatus) {
-    ASSERT_EQ(WriteFPGABlock(1, static_cast<std::uint32_t>(first), 1, &five), 0);
-    EXPECT_EQ(Read(1, static_cast<std::uint32_t>(first), 1), Bytes{0}) << std::hex << first;
-    StoreCells(1, static_cast<std::uint32_t>(last), 1, &five);
-    EXPECT_EQ(Read(1, static_cast<std::uint32_t>(last), 1), Bytes{5}) << "the hardware's own write";
-  }
 }
 
 TEST(BoardFpga, RefusesWhatIsNotThereAndTracesIt) {
@@ -83,31 +76,6 @@ TEST(BoardFpga, RefusesWhatIsNotThereAndTracesIt) {
       "fpga W 1 0xabcdef01 2 ok abcd", "fpga R 1 0x00000040 2 fail -",
       "fpga R 1 0xabcdef02 2 ok cd00"};
   EXPECT_EQ(TraceLines(), wanted);
-}
-
-TEST(BoardFpga, InterfaceTakesReadRequestsAlone) {
-  Configure("trace = fpga");
-  using Words = std::array<std::uint32_t, 521>;
-  Words request{};
-  for (const auto& [index, value] :
-       {std::pair{0, 2084U}, {2, 4U}, {3, 1U}, {519, 0x500101U}, {520, 3U}}) {
-    request[static_cast<std::size_t>(index)] = value;
-  }
-  Words failed = request;
-  SetFaultCount(Fault::kFpgaRead, 1);
-  EXPECT_LT(Shal_comif_ioctl(2084, 1, failed.data()), 0);
-  EXPECT_EQ(failed, request);
-  EXPECT_EQ(TraceLines(), std::vector<std::string>{"fpga R 1 0x00500101 3 fail -"});
-  const std::pair<std::size_t, std::uint32_t> kWrong[] = {{0, 2083}, {1, 1},   {2, 5},
-                                                          {3, 2},    {518, 1}, {520, 1025}};
-  for (const auto& [index, value] : kWrong) {
-    Words wrong = request;
-    wrong[index] = value;
-    EXPECT_LT(Shal_comif_ioctl(2084, 1, wrong.data()), 0) << index;
-  }
-  EXPECT_LT(Shal_comif_ioctl(2080, 1, request.data()), 0);
-  EXPECT_LT(Shal_comif_ioctl(2084, 2, request.data()), 0);
-  EXPECT_EQ(Shal_comif_ioctl(2084, 1, request.data()), 0);
 }
 
 }  // namespace

@@ -97,17 +97,6 @@ TEST(BoardShell, RefusesWithoutRunningAnything) {
   EXPECT_EQ(platform::RunShell("sync"), 0) << "stood in for again while the daemon runs";
 }
 
-TEST(BoardShell, PathsOfTheDeviceLieInTheFolder) {
-  const std::string folder = Folder();
-  EXPECT_EQ(platform::DevicePath("/log"), folder + "/log");
-  EXPECT_EQ(platform::DevicePath("/etc/init.d/flag_fpgaload"),
-            folder + "/etc/init.d/flag_fpgaload");
-  for (const std::string same : {"/proc/self/exe", "/bin/sh", "/bin/cat", "log/x", ""}) {
-    EXPECT_EQ(platform::DevicePath(same), same);
-  }
-  EXPECT_EQ(platform::DevicePath(folder + "/log"), folder + "/log");
-}
-
 std::int64_t PcSeconds() { return std::time(nullptr); }
 
 TEST(BoardClock, IsThePcsPlusTheOffset) {
@@ -149,27 +138,6 @@ TEST(BoardClock, AtSpeedMovesByTheWaitsOfItsThreadAlone) {
   const auto spent = std::chrono::steady_clock::now() - begin;
   EXPECT_GE(spent, std::chrono::milliseconds(15)) << "each wait takes its share";
   EXPECT_LT(spent, std::chrono::seconds(5));
-}
-
-TEST(BoardClockChip, TakesItsRequestAndNoOther) {
-  Configure("trace = clockchip");
-  EXPECT_EQ(platform::OpenDevice("/dev/i2cdev8", 2), -1);
-  const int chip = platform::OpenDevice("/dev/i2cdev9", 2);
-  ASSERT_GE(chip, 0);
-  std::array<std::uint32_t, 64> request{256, 1, 2};
-  request[54] = 6;
-  request[55] = 9;
-  for (const std::size_t index : {0U, 1U, 2U, 54U, 55U}) {
-    auto wrong = request;
-    ++wrong[index];
-    EXPECT_EQ(platform::ControlDevice(chip, 0xC10065A0, wrong.data()), -1) << index;
-  }
-  EXPECT_EQ(platform::ControlDevice(chip, 0xC10065A1, request.data()), -1);
-  EXPECT_EQ(platform::ControlDevice(chip + 1, 0xC10065A0, request.data()), -1);
-  EXPECT_EQ(platform::ControlDevice(chip, 0xC10065A0, request.data()), 0);
-  platform::CloseDevice(chip);
-  EXPECT_EQ(platform::ControlDevice(chip, 0xC10065A0, request.data()), -1);
-  EXPECT_EQ(TraceLines().size(), 1U);
 }
 
 }  // namespace

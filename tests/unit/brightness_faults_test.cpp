@@ -1,4 +1,4 @@
-// Brightness plans on a board that fails, and tables that nobody in his right mind would send.
+// Brightness plans on a board that loses power, and plans that end while they are at work.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -147,41 +147,6 @@ TEST(BrightnessFaults, WhatSensorsSayEndsWithTheirPlan) {
       EXPECT_FALSE(lines[i].starts_with("card W 1 ")) << lines[i];
     }
   }
-}
-
-// Bytes of which some look like a plan: positions near the area's end, counts of all kinds.
-Data RandomBytes(std::mt19937& random) {
-  Data bytes(1 + random() % 512);
-  for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(random());
-  constexpr uint8_t kModes[] = {0x5B, 0x7D, 0x9A, 0x9B, 0x9C, 0};
-  bytes[0] = kModes[random() % std::size(kModes)];
-  if (bytes.size() < 18) return bytes;
-  brightness_bytes::Put16(bytes, 1, random() % 3 == 0 ? bytes.size() : random() % 0x1500);
-  for (const std::size_t at : {3, 5, 7, 10}) {
-    brightness_bytes::Put16(bytes, at, random() % (random() % 2 == 0 ? 0x1500 : 0x180));
-  }
-  bytes[15] = static_cast<uint8_t>(random() % 20);
-  return bytes;
-}
-
-TEST(BrightnessFaults, RandomTablesAndWritesNeitherStopNorMisleadTheDaemon) {
-  board_kit::Put("sensors/lux", "1000");
-  std::mt19937 random(99);
-  Data area(0x1400);
-  for (uint8_t& byte : area) byte = static_cast<uint8_t>(random());
-  StartAt(kNoon);
-  board_kit::StoreFlash(kFlash, area);
-  for (int round = 0; round < 60; ++round) {
-    SCOPED_TRACE("round " + std::to_string(round));
-    Write(random() % 2 == 0 ? 0 : random() % 0x1500, RandomBytes(random));
-    if (random() % 3 == 0) Write(0, {RandomBytes(random)[0]});
-    if (random() % 3 == 0) Write(static_cast<uint32_t>(random() % 18), {1});
-    inprocess::Write(0x02400000, RandomBytes(random));
-    loop::Passes(60 * 5);
-  }
-  Levels();
-  UploadList(brightness_bytes::List({{0, 0, 123}}));
-  EXPECT_EQ(Levels(), std::set<int>{123});
 }
 
 }  // namespace

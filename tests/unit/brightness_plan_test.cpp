@@ -109,13 +109,9 @@ TEST(BrightnessPlan, FaultsAreNamed) {
   const std::pair<Text, const char*> cases[] = {
       {"{", "not JSON"},
       {R"({"kind": "other"})", "\"kind\" is list, sensor, mix, serial or hardware"},
-      {R"({"kind": 7})", "\"kind\" is a text"},
       {list(""), "1 to 32 are needed"},
-      {R"({"kind": "list", "nodes": 3})", "\"nodes\" is a list"},
       {list(R"({"time": "8:00", )" + plain + "}"), "\"time\" is a time"},
-      {list(R"({"time": "24:00", )" + plain + "}"), "\"time\" is a time"},
       {list(at8(R"("brightness": 256, "ports": [])")), "\"brightness\" is 0 to 255"},
-      {list(at8(R"("brightness": "101%", "ports": [])")), "\"brightness\" is 0 to 255"},
       {list(at8(R"("brightness": 1, "ports": [4])")), "ports from 0 to 3"},
       {list(at8(plain + ", " + colours) + R"(, {"time": "09:00", )" + plain + "}"),
        "\"colours\" each, or none"},
@@ -123,8 +119,6 @@ TEST(BrightnessPlan, FaultsAreNamed) {
       {sensor("", 1), "\"sensors\": 0, but 1 to 8"},
       {sensor("{" + one, 2), "\"dark\" has as much lux"},
       {sensor(R"({"position": 1, )" + one, 1), "position 1, where no device reads one"},
-      {R"({"kind": "mix"})", "\"nodes\": 0, but 1 to 255"},
-      {mix(R"("sensor": true)"), "\"sensors\": 0"},
       {mix(R"("sensor": true)", R"("sensors": [{)" + one + "]"), "\"lux_map\": 0, but 1 to 32"},
       {mix(R"("sensor": true, "percent": 3)"), "no place beside \"sensor\""},
       {mix(R"("percent": 3, "days": ["day"])"), "names days"},
@@ -136,29 +130,13 @@ TEST(BrightnessPlan, FaultsAreNamed) {
       {mix(fixed, R"("positions": {"nodes": 17})"), "the nodes would lie on the header"},
       {mix(fixed, R"("positions": {"fallback": 5118, "file_length": 5120})"),
        "bytes, a device holds 5120"},
-      {mix(fixed, R"("positions": {"file_length": 30})"), "the file's length of 30 does not hold"},
       {mix(fixed, R"("extra": [{"at": 0, "bytes": "5b"}])"), "\"extra\" changes the plan's kind"},
-      {mix(fixed, R"("extra": [{"at": 9, "bytes": "5"}])"), "two digits a byte"},
   };
   for (const auto& [text, fault] : cases) {
     const auto plan = ParsePlan(text);
     ASSERT_FALSE(plan) << text;
     EXPECT_NE(plan.error().text.find(fault), std::string::npos) << plan.error().text;
   }
-}
-
-TEST(BrightnessPlan, HoldsAsManyNodesAsATableCan) {
-  Plan plan = Parsed(Example("hardware"));
-  plan.nodes.clear();
-  for (int i = 0; i < 255; ++i) {
-    const auto bcd = [](int value) {
-      return static_cast<std::uint8_t>(brightness_bytes::Bcd(value));
-    };
-    plan.nodes.push_back({bcd(i / 60), bcd(i % 60), false, 0x7F, 1, 1});
-  }
-  Settle(plan);
-  EXPECT_EQ(Obstacle(plan), "");
-  EXPECT_EQ(PlanOf(TableOf(plan)), plan);
 }
 
 TEST(BrightnessWords, ReadAndWrite) {
@@ -249,23 +227,6 @@ TEST(BrightnessCourse, FollowsTheLightWhereASensorLeads) {
   EXPECT_EQ(sensor.minutes[0].value[0], 25);
   EXPECT_EQ(sensor.minutes[13 * 60].value[0], 255);
   EXPECT_NE(CourseObstacle(Parsed(Example("serial"))), "");
-}
-
-TEST(BrightnessPicture, IsDrawnForEveryKind) {
-  const std::filesystem::path folder = std::getenv("QUIVORD_BOARD");
-  std::filesystem::create_directories(folder);
-  for (const char* kind : {"list", "sensor", "mix", "hardware"}) {
-    const Plan plan = Parsed(Example(kind));
-    for (const int days : {1, kWeekDays}) {
-      const Course course = CourseOf(plan, 0, days, NoonOf(plan));
-      const auto file = folder / "picture.svg";
-      ASSERT_EQ(Draw(plan, course, {file, draw::Format::kSvg, 1}), "") << kind;
-      EXPECT_GT(std::filesystem::file_size(file), 10'000U) << kind;
-    }
-  }
-  const Plan plan = Parsed(Example("mix"));
-  const Course course = CourseOf(plan, 0, 1, NoonOf(plan));
-  EXPECT_NE(Draw(plan, course, {folder / "no" / "picture.png"}), "");
 }
 
 }  // namespace

@@ -122,26 +122,6 @@ TEST(BrightnessSpace, ReadsTheImageInFrontAndFlashBehind) {
   EXPECT_EQ(inprocess::Read(kBase + 0x1FF, 2).m_data, (Data{file[0x1FF], file[0x200]}));
   EXPECT_EQ(inprocess::Read(kBase + 0x13F0, 16).m_data, Stored(0x13F0, 16));
   EXPECT_EQ(inprocess::Read(kBase, 0x201).m_ucAck, 4);
-  QMB_proto3rd request = inprocess::ReadRequest(kBase, 0x201);
-  EXPECT_EQ(Brightness::ReadFromBrightnessInfo(&request), JSHL_TYPE_NG);
-  EXPECT_TRUE(request.proto.m_data.empty());
-}
-
-TEST(BrightnessSpace, RefusesWhatReachesPastTheArea) {
-  StartAt(kNoon, "none");
-  const Data before = Stored(0x1400, 16);
-  QMB_proto3rd request = inprocess::WriteRequest(kBase + 0x13FF, Data{1, 2});
-  EXPECT_EQ(Brightness::WriteToBrightnessInfo(&request), JSHL_invalidAddrLen);
-  EXPECT_EQ(Write(0x13FF, {1, 2}), 0);
-  EXPECT_EQ(Write(0x1400, {1}), 0);
-  EXPECT_EQ(Write(0xFFFF, {1, 2}), 0);
-  const Data two = {1, 2};
-  Brightness::SetBrightnessAdjustTable(kBase + 0x13FF, 2, two.data());
-  Brightness::SetBrightnessAdjustTable(kBase, 0, nullptr);
-  EXPECT_EQ(Stored(0x1400, 16), before);
-  EXPECT_EQ(Stored(0x13FF, 1), (Data{0}));
-  EXPECT_EQ(Write(0x13FF, {7}), 0);
-  EXPECT_EQ(Stored(0x13FF, 1), (Data{7}));
 }
 
 TEST(BrightnessSpace, TheSwitchStopsTheMixAndStartsItAgain) {
@@ -180,40 +160,6 @@ TEST(BrightnessSpace, WeekdaysCountFromSundayAtAStart) {
     EXPECT_EQ(SentValues(), c.sent) << c.weekdays;
   }
   EXPECT_EQ(Brightness::INT_Once, brightness::kArmed) << "the ring waits for the next node";
-}
-
-TEST(BrightnessSpace, AMixThatCanNotRunArmsNothing) {
-  StartAt(kNoon);
-  loop::Pass();
-  Upload(TwoNodes().Bytes());
-  EXPECT_EQ(SentValues(), Values{51});
-  struct Case {
-    const char* what;
-    Data file;
-  };
-  Mix readings = TwoNodes();
-  readings.readings = 17;
-  Mix noValid = TwoNodes();
-  for (auto& node : noValid.nodes) node.valid = 0;
-  Data outside = TwoNodes().Bytes();
-  brightness_bytes::Put16(outside, 5, 0x1400 - 32);
-  Mix stopped = TwoNodes();
-  stopped.runs = false;
-  const Case kCases[] = {{"readings", readings.Bytes()},
-                         {"no valid node", noValid.Bytes()},
-                         {"nodes outside", outside},
-                         {"does not run", stopped.Bytes()}};
-  board_kit::StoreFlash(kFlash + 0x1400 - 32, {2});
-  for (const Case& c : kCases) {
-    SCOPED_TRACE(c.what);
-    Upload(TwoNodes().Bytes());
-    static_cast<void>(SentValues());
-    Upload(c.file);
-    loop::SetBoardTime_us((kFriday + 20 * 3600 - 5) * loop::kSecond_us);
-    loop::Passes(700 * kSecond);
-    EXPECT_EQ(SentValues(), Values{});
-    loop::SetBoardTime_us(kNoon * loop::kSecond_us);
-  }
 }
 
 TEST(BrightnessSpace, TheSensorModeChangesTheScreenEverySixReadings) {
@@ -313,15 +259,6 @@ TEST(BrightnessSpace, TheMixTakesOverWhileTheDeviceIsSilent) {
     loop::Passes(kSecond);
   }
   EXPECT_EQ(SentValues(), Values{}) << "the device has the last word, repeats included";
-}
-
-TEST(BrightnessSpace, AStoredPlanStartsWithTheFirstPass) {
-  StartAt(kNoon);
-  board_kit::StoreFlash(kFlash, TwoNodes().Bytes());
-  board_kit::StoreFlash(kFlash + 12, {0});  // a start does not ask for it
-  loop::Pass();
-  EXPECT_EQ(SentValues(), Values{51});
-  EXPECT_EQ(inprocess::Read(kBase, 1).m_data, (Data{0x9A}));
 }
 
 TEST(BrightnessSpace, WithoutAStoredLimitTheMixDoesNotWait) {

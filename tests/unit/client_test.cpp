@@ -37,9 +37,7 @@ bus::FrameHead HeadOf(const Bytes& packet) {
 
 Bytes Frame(bus::FrameHead head, const Bytes& data) {
   head.dataLength = static_cast<std::uint16_t>(data.size());
-  Bytes bytes(static_cast<std::size_t>(bus::FrameSize(static_cast<std::int32_t>(data.size()))));
-  bus::WriteFrame(head, data, bytes.data());
-  return bytes;
+  return support::FrameOf(head, data);
 }
 
 Bytes ReplyTo(const Bytes& request, const Bytes& data, std::uint8_t ack = 0) {
@@ -292,19 +290,6 @@ TEST_F(ClientTest, DaemonThatTakesNothingHoldsASendUntilItsTimeoutOnly) {
   EXPECT_EQ(ended, started);  // each by an error or by its completion, never both
 }
 
-TEST_F(ClientTest, RequestThatFitsNoFrameIsWrongUse) {
-  const Request cases[] = {
-      {.address = 0, .length = bus::frame::kMostData + 1},
-      {.operation = quivord::Operation::kWrite, .data = Bytes(bus::frame::kMostData + 1)},
-      {.address = 0, .length = 1, .data = {1}},
-  };
-  for (const Request& request : cases) {
-    const auto reply = client_->Call(request, kLong);
-    ASSERT_FALSE(reply);
-    EXPECT_EQ(reply.error().trouble, Trouble::kWrongUse);
-  }
-}
-
 TEST_F(ClientTest, ManyThreadsShareOneClient) {
   std::atomic<bool> enough{false};
   std::thread echo([&] {
@@ -350,16 +335,6 @@ TEST(ClientConnect, WaitsForItsTurnAtABusyDaemon) {
   EXPECT_EQ(third.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
   busy.Accept();
   EXPECT_TRUE(third.get());
-}
-
-TEST(ClientAck, EveryAckHasWordsOfItsOwn) {
-  std::vector<std::string_view> texts;
-  texts.reserve(9);
-  for (int ack = 0; ack < 9; ++ack)
-    texts.push_back(quivord::AckText(static_cast<std::uint8_t>(ack)));
-  std::sort(texts.begin(), texts.end());
-  EXPECT_EQ(std::adjacent_find(texts.begin(), texts.end()), texts.end());
-  EXPECT_EQ(quivord::AckText(8), quivord::AckText(255));
 }
 
 }  // namespace

@@ -30,17 +30,6 @@ TEST(Clock, WeekdayIsThatOfTheCalendar) {
   }
 }
 
-TEST(Clock, ReadsInBothForms) {
-  device::Begin("none");
-  device::SetClock(kSunday);
-  std::string numbers;
-  for (std::uint8_t index = 0; index < 10; ++index) {
-    numbers += std::to_string(DriverUtil::getInstance()->ReadTime(index)) + " ";
-  }
-  EXPECT_EQ(numbers, "24 3 3 4 59 59 1 0 0 0 ");
-  EXPECT_EQ(device::Hex(inprocess::Read(0x02000011, 6).m_data), "240303045959");
-}
-
 TEST(Clock, WriteSetsSystemAndHardwareClock) {
   device::Begin("fpga flash shell clock");
   device::PutImage(0x1EC, "80008000");

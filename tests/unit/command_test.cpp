@@ -78,15 +78,14 @@ TEST(Reset, StepsWaitAndEndInTheReboot) {
   platform::KeepTime();
   struct Step {
     std::uint8_t state;
-    std::int64_t least_ms, most_ms;
+    std::int64_t least_ms;
     std::uint8_t next;
     const char* ends;
   };
   constexpr Step kSteps[] = {
-      {EN_NOT_REBOOT, 0, 0, EN_NOT_REBOOT, ""},
-      {EN_REBOOT_WAIT_RET_PACK, 0, 0, EN_REBOOT_WAIT_RET_PACK, ""},
-      {EN_REBOOT_WAIT_SFT_DO, 1500, 1600, EN_REBOOT_ING, "shell sync\n"},
-      {EN_REBOOT_ING, 5000, 5000, EN_REBOOT_ING, "shell fpga w s 0x1eb 0x0\nshell reboot -f\n"},
+      {EN_REBOOT_WAIT_RET_PACK, 0, EN_REBOOT_WAIT_RET_PACK, ""},
+      {EN_REBOOT_WAIT_SFT_DO, 1500, EN_REBOOT_ING, "shell sync\n"},
+      {EN_REBOOT_ING, 5000, EN_REBOOT_ING, "shell fpga w s 0x1eb 0x0\nshell reboot -f\n"},
   };
   support::Trace trace;
   for (const Step& step : kSteps) {
@@ -95,8 +94,7 @@ TEST(Reset, StepsWaitAndEndInTheReboot) {
     const std::int64_t begin = loop::BoardTime_us();
     Tprocess_ctl::getInstance()->RebootAfterRF();
     const std::int64_t passed_ms = (loop::BoardTime_us() - begin) / 1000;
-    EXPECT_GE(passed_ms, step.least_ms);
-    EXPECT_LE(passed_ms, step.most_ms);
+    EXPECT_NEAR(passed_ms, step.least_ms + 50, 50);
     EXPECT_EQ(Global().RebootRF, step.next);
     const std::string lines = trace.Take();
     EXPECT_TRUE(lines.ends_with(step.ends)) << lines;
@@ -180,30 +178,6 @@ TEST_P(ResetType, ReadsPatchesAndClearsInOrder) {
 
 INSTANTIATE_TEST_SUITE_P(, ResetType, testing::Values(0, 1, 2, 3, 255),
                          [](const auto& test) { return std::to_string(test.param); });
-
-// Nothing that fails keeps a reset from ending in its reboot.
-TEST(Reset, GoesOnWhateverFails) {
-  BeginUsed("none");
-  device::Log log(0);
-  for (const Fault fault : {Fault::kFlashRead, Fault::kFlashWrite, Fault::kCardRead,
-                            Fault::kCardWrite, Fault::kFpgaWrite}) {
-    SetFaultCount(fault, -1);
-    Global().RebootRF = EN_REBOOT_WAIT_RET_PACK;
-    Global().ReturnFactory(2);
-    SetFaultCount(fault, 0);
-    const bool says =
-        log.Take().find(
-            "Error === DevNameFileAddr ===Read from flash failed when reading DevNameFile ! \n"
-            "Error === RVConfigFileAddr ===Read from flash failed when reading RvFile ! \n") !=
-        std::string::npos;
-    EXPECT_EQ(says, fault == Fault::kFlashRead);
-    EXPECT_EQ(Global().RebootRF, EN_REBOOT_ING);
-  }
-  std::filesystem::remove(board::StorePath(board::Store::kFactory));
-  Global().ReturnFactory(2);
-  EXPECT_EQ(
-      support::Count(log.Take(), "Error === ReturnFactory ===cp of the factory image failed!"), 1);
-}
 
 TEST(Reset, NetworkSettingsFailOneByOne) {
   struct Case {

@@ -1,4 +1,4 @@
-// The FPGA bus behind the gateway: tries, the latch, chunks, the status probe, the clock chip.
+// The FPGA bus behind the gateway: tries, the latch, the status probe, the clock chip.
 #include "driverutil.h"
 
 #include <gtest/gtest.h>
@@ -99,75 +99,6 @@ TEST(FpgaBus, TriesThreeTimesAndGivesUpOnAnFpgaThatIsDown) {
   }
 }
 
-struct ChunkCase {
-  uint32_t length;
-  std::vector<uint32_t> chunks;
-};
-
-TEST(FpgaBus, BlocksGoInChunksOf1024) {
-  board_kit::Configure("trace = fpga\n");
-  const ChunkCase cases[] = {{0, {}},
-                             {1, {1}},
-                             {1024, {1024}},
-                             {1025, {1024, 1}},
-                             {2048, {1024, 1024}},
-                             {2049, {1024, 1024, 1}}};
-  DriverUtil driver;
-  std::vector<uint8_t> data(2049);
-  std::iota(data.begin(), data.end(), uint8_t{1});
-  for (const ChunkCase& c : cases) {
-    SCOPED_TRACE(c.length);
-    Lines expected;
-    for (const char direction : {'W', 'R'}) {
-      uint32_t address = 0x600010;
-      for (const uint32_t chunk : c.chunks) {
-        char line[64];
-        std::snprintf(line, sizeof line, "fpga %c 1 0x%08x %u ok", direction, address, chunk);
-        expected.emplace_back(line);
-        address += chunk;
-      }
-    }
-    std::vector<uint8_t> back(c.length + 1, 0xEE);
-    const int32_t result = c.length == 0 ? -1 : 0;
-    EXPECT_EQ(driver.FPGAC5_WriteDataBlock(0, 0, 0x600010, c.length, data.data()), result);
-    EXPECT_EQ(driver.FPGAC5_ReadDataBlock(0, 0, 0x600010, c.length, back.data()), result);
-    EXPECT_EQ(NewAccesses(), expected);
-    EXPECT_TRUE(std::equal(data.begin(), data.begin() + c.length, back.begin()));
-    EXPECT_EQ(back.back(), 0xEE);
-  }
-}
-
-TEST(FpgaBus, FailedChunkIsTheLast) {
-  board_kit::Configure("trace = fpga\n");
-  std::vector<uint8_t> data(3000);
-  for (const int good : {0, 1, 2}) {
-    DriverUtil driver;
-    SetFaultCount(Fault::kSkip, good);
-    SetFaultCount(Fault::kFpgaWrite, 3);
-    EXPECT_EQ(driver.FPGAC5_WriteDataBlock(0, 0, 0, 3000, data.data()), -1);
-    EXPECT_EQ(NewAccesses().size(), static_cast<std::size_t>(good) + 3);
-    SetFaultCount(Fault::kSkip, good);
-    SetFaultCount(Fault::kFpgaRead, 3);
-    EXPECT_EQ(driver.FPGAC5_ReadDataBlock(0, 0, 0, 3000, data.data()), -1);
-    EXPECT_EQ(NewAccesses().size(), static_cast<std::size_t>(good) + 3);
-  }
-}
-
-TEST(FpgaBus, OneWordFormsMoveOneByte) {
-  DriverUtil driver;
-  uint8_t byte = 0;
-  EXPECT_EQ(driver.WriteFPGABusOneWord(0x70, 0xA1), 0);
-  EXPECT_EQ(driver.FPGAC5_WriteOneWord(9, 9, 0x71, 0xA2), 0);
-  EXPECT_EQ(driver.ReadFPGABusOneWord(0x71, &byte), 0);
-  EXPECT_EQ(byte, 0xA2);
-  EXPECT_EQ(driver.FPGAC5_ReadOneWord(9, 9, 0x70), 0xA1);
-  uint8_t cells[4];
-  board::LoadCells(1, 0x6F, 4, cells);
-  EXPECT_EQ(std::vector<int>(cells, cells + 4), (std::vector<int>{0, 0xA1, 0xA2, 0}));
-  SetFaultCount(Fault::kFpgaRead, 3);
-  EXPECT_EQ(driver.FPGAC5_ReadOneWord(0, 0, 0x70), 0);
-}
-
 TEST(FpgaBus, IoctlChannelReadsInRequestsOf1024) {
   std::vector<uint8_t> cells(1500);
   std::iota(cells.begin(), cells.end(), uint8_t{7});
@@ -207,15 +138,6 @@ TEST(StatusProbe, TakesTheFirstLineOfACommand) {
     EXPECT_STREQ(text, c.text);
     EXPECT_EQ(driver.ReadFpgaStatus(c.command), c.status);
   }
-  char line[80] = {};  // longer lines are cut behind 63 characters
-  const std::string longLine = "printf " + std::string(63, '7') + "88";
-  EXPECT_EQ(DriverUtil::run_command_return_string(longLine.c_str(), line, sizeof line), 0);
-  EXPECT_EQ(line, std::string(63, '7'));
-  char little[4];
-  EXPECT_EQ(DriverUtil::run_command_return_string("printf 123456", little, sizeof little), 0);
-  EXPECT_STREQ(little, "123");
-  EXPECT_EQ(DriverUtil::run_command_return_string(nullptr, little, sizeof little), -1);
-  EXPECT_EQ(DriverUtil::run_command_return_string("true", nullptr, 4), -1);
 }
 
 TEST(ClockChip, OutputsAreProgrammedCrosswise) {

@@ -36,8 +36,6 @@ TEST(Faults, AreLoggedAndTheRestRuns) {
   for (const auto& row : support::Rows(4, R"(
       W 01000001 01   | flash-write | 0 |
       W 01000001 01   | flash-write | 1 | Save feature para to flash failed! ret = -1
-      W 01000001 01   | flash-write | 2 | Save Global para to flash failed! ret = -1
-      W 01000001 01   | flash-write | 3 | Save position para to flash failed! ret = -1
       W 01000001 01   | flash-write | 4 | Save number para to flash failed! ret = -1
       W 01000003 0010005101 | fpga-write | 0
         | WriteTestPointCommand ===write to page program failed. driverRet = -1
@@ -45,10 +43,6 @@ TEST(Faults, AreLoggedAndTheRestRuns) {
       W 02000045 ab   | flash-write | 0 | DoWriteFeatureInfo ========= WriteDataToFlash failed !
       W 0200009d a5   | flash-write | 0
         | DoWriteFeatureInfo ===Set 0x0200_009d to 165, save PbufMorSMode to flash failed !
-      W 0200009d a5   | flash-write | 5
-        | =========Set  Device <Slave> 0x0200_009d to 0xA5, clear 0x05065000 flash failed !
-      W 020001d8 01   | flash-write | 0 | =========vio4K WriteDataToFlash failed !
-      W 020001da 01   | flash-write | 0 | =========OptPort mode WriteDataToFlash failed !
       W 02300000 07   | flash-write | 0
         | WriteToBackupInfo ===Write backup info to flash failed. ret = -1
       W 02810000 01   | flash-write | 0
@@ -66,8 +60,6 @@ TEST(Faults, AreLoggedAndTheRestRuns) {
         | ReadFromShortcutConfigScreen ===Read flash failed! ret = -1
       R 03000000 4    | fpga-read   | 0
         | ReadFromPosNetPort ===Read FPGA Posi Info failed! ret = -1
-      R 03100000 4    | fpga-read   | 0
-        | ReadFromNumberFunCardPort ===Read FPGA NumberFunCardPort Info failed! ret = -1
       R 05000000 1    | flash-read  | 0
         | ReadFromSoftwareTable ===Read Bytes From Flash Failed. DriverRet = -1
     )")) {

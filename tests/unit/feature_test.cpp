@@ -214,31 +214,6 @@ TEST(FeatureWrite, SetsFlags) {
   }
 }
 
-TEST(FeatureWrite, UartOvertimeReachesTheBrightnessPlans) {
-  using Brightness = Addr_HardWareBrightnessAdjust;
-  struct Case {
-    const char* write;
-    int overtime_s;
-    bool stores, heard;
-  };
-  constexpr Case kCases[] = {{"3f:07", 7, true, true},
-                             {"45:00", 7, false, false},
-                             {"3f:07", 7, false, true},
-                             {"3f:00", 7, false, true},
-                             {"3e:0008", 8, true, false}};
-  device::Begin("flash");
-  ResetImage();
-  support::Trace trace;
-  Brightness::UartDiscOvertime = 0x28;
-  for (const Case& c : kCases) {
-    Brightness::DevComLinkState = 0;
-    Write(c.write);
-    EXPECT_EQ(Brightness::UartDiscOvertime, c.overtime_s) << c.write;
-    EXPECT_EQ(support::Count(trace.Take(), "flash W 0xb8b000") > 0, c.stores) << c.write;
-    EXPECT_EQ(Brightness::DevComLinkState, c.heard ? 1 : 0) << c.write;
-  }
-}
-
 TEST(FeatureWrite, OffsetsInBypassArePassedOnUnlessTheServiceDaemonSetThem) {
   device::Begin("bus");
   for (const auto& row : support::Rows(4, R"(

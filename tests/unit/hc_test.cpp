@@ -57,32 +57,6 @@ TEST(HCInteraction, FreshDeviceShowsDefaultsAndWhatFlashHolds) {
   for (const Case& c : kCases) EXPECT_EQ(Read(c.offset, c.length), c.bytes) << std::hex << c.offset;
 }
 
-TEST(HCInteraction, ReadsZerosWhereFlashCannotBeRead) {
-  struct Case {
-    std::uint32_t offset;
-    std::uint16_t length;
-    const char* bytes;
-    const char* what;
-  };
-  constexpr Case kCases[] = {
-      {0x117, 25, "00e8031e000000000000000000000000000000000000000f00", "25 Para"},
-      {0x12C, 2, "0000", "KeepWarmUpModeInfo"},
-      {0x0C0, 1, "00", "devcom_mode Para"},
-  };
-  device::Begin("none");
-  device::PutFlash(0xC21117, "a0a1a2a3a4a5a6a7a8a9");
-  device::PutFlash(0xD14004, "0763");
-  device::PutFlash(0xC210C0, "02");
-  device::Log log(0);
-  for (const Case& c : kCases) {
-    board::SetFaultCount(board::Fault::kFlashRead, 3);
-    EXPECT_EQ(Read(c.offset, c.length), c.bytes);
-    EXPECT_EQ(log.Take(), std::string("Error === ReadFromHCInteraction ===Can not Read Flash When "
-                                      "Get the ") +
-                              c.what + " From HCInteraction\n");
-  }
-}
-
 TEST(HCInteraction, EveryFieldQueuesItsWork) {
   device::Begin("flash env");
   Global().GigaPhyLinkSta = 1;
@@ -103,19 +77,14 @@ TEST(HCInteraction, EveryFieldQueuesItsWork) {
       {0x129, "02", kMode, "580464009000c800218c"},  // no HLG: dropped
       {0x117, "78", kMode, "78040000e8031e000f8c"},
       {0x129, "02", kMode, "78020000e8031e000f8c"},
-      {0x12E, "77", kMode, "78020000e8031e000f8c"},
       {0x117, "5801", kMode, "580464009000c800218c"},  // as HDR10 was left
       {0x117, "00", kMode, "00020000e8031e000f8c"},
       {0x12C, "0763", "flash W 0xd14000 000039f60763\n", nullptr},
       {0x12C, "07", "", nullptr},
-      {0x12C, "076300", "", nullptr},
-      {0x13A, "010203", "", nullptr},
-      {0x116, "58", "", nullptr},
       {0x119, "58", "", nullptr},
       {0x0C0, "00", "env set devcom_mode 0\n", nullptr},
       {0x0C0, "01ff", "env set devcom_mode 1\n", nullptr},
       {0x0C0, "09", "env set devcom_mode 2\n", nullptr},
-      {0x1FE, "00", "", nullptr},
   };
   support::Trace trace;
   for (const Case& c : kCases) {
@@ -135,22 +104,6 @@ TEST(HCInteraction, EveryFieldQueuesItsWork) {
   EXPECT_EQ(Global().ParaForKeepWarmUpModeTimeData, 0x63);
 }
 
-TEST(HCInteraction, WriteThatReachesTheEndIsRefused) {
-  device::Begin("fpga flash card env");
-  device::Log log(0);
-  support::Trace trace;
-  for (const auto& [offset, bytes] : {std::pair{0x1FF, "58"}, {0x1FE, "0102"}, {0xFFFF, "58"}}) {
-    Write(static_cast<std::uint32_t>(offset), bytes);
-    EXPECT_EQ(inprocess::DrainQueue(), 0);
-    const std::string lines = log.Take();
-    EXPECT_NE(lines.find("=== WriteToHCInteraction ===Invalid addr+len"), std::string::npos);
-    EXPECT_NE(lines.find(" length = " + std::to_string(std::string(bytes).size() / 2) + "\n"),
-              std::string::npos)
-        << lines;
-  }
-  EXPECT_EQ(trace.Take(), "");
-}
-
 TEST(HCInteraction, BrightnessComesFromTheFirstCardInPercent) {
   device::Begin("none");
   Global().GigaPhyLinkSta = 1;
@@ -167,40 +120,6 @@ TEST(HCInteraction, BrightnessComesFromTheFirstCardInPercent) {
   board::SetFaultCount(board::Fault::kCardRead, 1);
   Do(0x117, "58");
   EXPECT_EQ(device::Flash(0xC21002, 1), "00");
-}
-
-TEST(HCInteraction, EnvironmentThatWontOpenIsLoggedAndTriedAllTheSame) {
-  device::Begin("none");
-  device::Log log(0);
-  board::SetFaultCount(board::Fault::kEnvOpen, 1);
-  EXPECT_EQ(Do(0x0C0, "01"), 0);
-  EXPECT_EQ(log.Take(),
-            "Error === WriteToHCInteraction ===Openenv Faild\n"
-            "Error === WriteToHCInteraction ===Setenv devcom_mode Faild\n");
-}
-
-TEST(HCInteraction, HandlersEndOnABlockWithoutData) {
-  device::Begin("fpga flash");
-  device::Log log(0);
-  support::Trace trace;
-  struct Case {
-    const char* name;
-    int (*handler)(int lenth, char* data);
-  };
-  constexpr Case kCases[] = {
-      {"HDR10", Tprocess::Sprocess_HDR10},
-      {"HLG", Tprocess::Sprocess_HLG},
-      {"PictureQualityCal", Tprocess::Sprocess_PictureQualityCal},
-      {"DisplayWarmUp", Tprocess::Sprocess_DisplayWarmUp},
-      {"SenderRGBGamma", Tprocess::Sprocess_SenderRGBGamma},
-      {"ScreenPatternGen", Tprocess::Sprocess_ScreenPatternGen},
-  };
-  for (const Case& c : kCases) {
-    EXPECT_EQ(c.handler(10, nullptr), 0);
-    EXPECT_EQ(log.Take(),
-              std::string("Error === Sprocess_") + c.name + " ===: data block is null! return.\n");
-  }
-  EXPECT_EQ(trace.Take(), "");
 }
 
 }  // namespace

@@ -31,22 +31,6 @@ void PutEnv(const char* key, const char* value) {
 
 std::string Env(const char* key) { return board::ReadEnv(key).value_or("(none)"); }
 
-TEST(Identity, HexToBytes) {
-  struct Case {
-    const char* text;
-    int length;
-    const char* bytes;
-  };
-  constexpr Case kCases[] = {
-      {"1g", 2, "10"},          {"0fA9", 4, "0fa9"}, {"1234", 2, "10"}, {"12345", 5, "123450"},
-      {"1234567", 6, "123450"}, {"xy:9", 4, "0009"}, {"7", 1, "70"},    {"", 0, ""}};
-  for (const Case& c : kCases) {
-    std::vector<std::uint8_t> bytes((static_cast<std::size_t>(c.length) + 1) / 2);
-    Global().ASCII2Hex(reinterpret_cast<const std::uint8_t*>(c.text), c.length, bytes.data());
-    EXPECT_EQ(device::Hex(bytes), c.bytes) << c.text;
-  }
-}
-
 TEST(Identity, SerialNumberIsTheEnvironmentsAtStartAndAtReads) {
   const std::map<std::string, const char*> logs = {
       {"none", "Error === SNTransfer ===The SN_ADDR at env is not exist, set the default SN_ADDR"},
@@ -79,20 +63,6 @@ TEST(Identity, SerialNumberIsTheEnvironmentsAtStartAndAtReads) {
       EXPECT_EQ(support::Count(log.Take(), logs.at(row[1])), 1);
     }
   }
-}
-
-TEST(Identity, ClosedEnvironmentLeavesFlashAsItIs) {
-  device::Begin("none");
-  PutEnv("device_sn", "a1a2a3a4a5a6a7a8");
-  device::PutFlash(kSerial, kOld);
-  device::Log log(0);
-  SetFaultCount(Fault::kEnvOpen, -1);
-  Global().SNTransfer();
-  EXPECT_EQ(log.Take(), "Error === SNTransfer ===Error when openning env!\n");
-  EXPECT_EQ(device::Hex(inprocess::Read(22, 8).m_data), kOld);
-  EXPECT_EQ(inprocess::Read(2, 2).m_data.size(), 2U);
-  EXPECT_NE(log.Take().find("=== ModelID ===Error when openning env!"), std::string::npos);
-  EXPECT_EQ(Flash(kSerial, 8), kOld);
 }
 
 TEST(Identity, ReadReplacesSerialAndModelWhereItCoversThem) {

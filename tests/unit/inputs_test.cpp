@@ -190,25 +190,6 @@ TEST(EdidSpace, ReadsTheCurrentGroupsEdid) {
   EXPECT_EQ(inprocess::Read(kSpace + 0x10000, 128).m_data.size(), 0U);
 }
 
-TEST(EdidSpace, ClientsModeIsStoredThenShown) {
-  device::Begin("edid flash");
-  inprocess::Read(kSpace, 1);
-  support::Trace trace;
-  for (const std::size_t length : {128, 256}) {
-    device::PutImage(0x1A5, length == 128 ? "61" : "62");
-    EXPECT_EQ(Send(ClientEdid(k720p, length), kSpace + 77), 0);
-    const std::string id = length == 128 ? "0x0000" : "0x0010";
-    EXPECT_EQ(trace.Take(), "flash W 0x200000 x72\nedid W " + id + "\n");
-  }
-  EXPECT_EQ(ModeShown("0000.edid"), (VideoMode{1280, 720, 6000}));
-  EXPECT_EQ(ModeShown("0010.edid"), (VideoMode{1280, 720, 6000}));
-  EXPECT_EQ(device::Flash(kRecord, 18),
-            "0005d0027017"
-            "0005d0027017"
-            "800738047017")
-      << "the third group's mode stays";
-}
-
 TEST(EdidSpace, WritesThatChangeNothing) {
   device::Begin("edid flash");
   inprocess::Read(kSpace, 1);
@@ -266,14 +247,6 @@ TEST(EdidSpace, WriteBeforeDetectionKeepsTheOtherModes) {
   EXPECT_EQ(device::Flash(kRecord + 54, 2), "0102");
 }
 
-TEST(EdidSpace, WriteWithoutTheOtherModesLeavesTheStore) {
-  device::Begin("none");
-  const std::string before = device::Flash(kRecord, 72);
-  SetFaultCount(Fault::kFlashRead, 3);  // once for each try
-  Send(ClientEdid(k720p));
-  EXPECT_EQ(device::Flash(kRecord, 72), before);
-}
-
 // The bus receive thread detects, the work thread writes: whichever comes last, the board shows
 // what the store holds.
 TEST(Inputs, DetectionAndAClientsEdidTakeTurns) {
@@ -290,30 +263,6 @@ TEST(Inputs, DetectionAndAClientsEdidTakeTurns) {
   EXPECT_EQ(ModeShown("0000.edid"), (VideoMode{1920, 1080, 6000}));
   EXPECT_EQ(ModeShown("0010.edid"), (VideoMode{1280, 720, 6000}));
   EXPECT_EQ(Inputs().RealSourceNum(), 2);
-}
-
-TEST(Inputs, ModesByGroupAndModel) {
-  device::Begin("edid");
-  Inputs().InputBoardInit();
-  device::Log log;
-  support::Trace trace;
-  for (const auto& [group, line] : {std::pair<int, const char*>{10, "group error"},
-                                    {255, "group error"},
-                                    {9, "p_src is NULL"},
-                                    {2, "p_src is NULL"}}) {
-    Inputs().EDIDSetByMode(static_cast<u8>(group), 1920, 1080, 6000);
-    EXPECT_NE(log.Take().find(line), std::string::npos) << group;
-  }
-  Inputs().EDIDSetByMode(0, 1920, 1080, 0);
-  EXPECT_NE(log.Take().find("CheckEDIDInfo error "), std::string::npos) << "no timing";
-  EXPECT_EQ(trace.Take(), "");
-
-  EdidImage model{}, out{};
-  EXPECT_EQ(Inputs().ResT_calEDID_by_model_new(model.data(), out.data(), 1920, 1080, 6000), 1U);
-  EXPECT_EQ(support::Count(log.Take(), "Error Check Head Error"), 1);
-  std::copy(edid::kHeader.begin(), edid::kHeader.end(), model.begin());
-  EXPECT_FALSE(Inputs().ResT_verify_EDID(model.data()));
-  EXPECT_EQ(log.Take(), "Error Check Sum Error\n");
 }
 
 TEST(Inputs, MeasurementsAndWhatTheyChange) {
@@ -333,12 +282,9 @@ TEST(Inputs, MeasurementsAndWhatTheyChange) {
       {0, 0, 1, 1920, 1080, 16666, 1, 1080, EN_SSS_SIGNAL_LINK},
       {0, 0, 1, 1920, 1080, 16675, 0, 1080, EN_SSS_SIGNAL_LINK},  // 9 us are no change
       {0, 0, 1, 1920, 1080, 16685, 1, 1080, EN_SSS_SIGNAL_LINK},  // 10 us are
-      {0, 0, 1, 1921, 1080, 16685, 1, 1080, EN_SSS_SIGNAL_LINK},
-      {0, 1, 1, 1921, 540, 16685, 0, 1080, EN_SSS_SIGNAL_LINK},  // two fields make a frame
-      {0, 0, 2, 1921, 1080, 16685, 1, 1080, EN_SSS_NOSIGNAL},
-      {0, 0, 0, 1921, 1080, 16685, 1, 1080, EN_SSS_NOSIGNAL},
+      {0, 1, 1, 1920, 540, 16685, 0, 1080, EN_SSS_SIGNAL_LINK},   // two fields make a frame
+      {0, 0, 0, 1920, 1080, 16685, 1, 1080, EN_SSS_NOSIGNAL},
       {0, 0, 0, 640, 480, 1, 0, 1080, EN_SSS_NOSIGNAL},  // stands for 1920 by 1080
-      {1, 0, 1, 64, 1080, 16666, 1, 1080, EN_SSS_NOSIGNAL},
       {1, 0, 1, 65, 65, 16666, 1, 65, EN_SSS_SIGNAL_LINK},
       {4, 1, 1, 1920, 540, 16666, 1, 540, EN_SSS_SIGNAL_LINK},  // this group counts frames
       {5, 0, 1, 1920, 1080, 16666, -1, 0, EN_SSS_INVALID},
@@ -353,40 +299,6 @@ TEST(Inputs, MeasurementsAndWhatTheyChange) {
     EXPECT_EQ(source->res.v_active, c.stored_height) << c.width;
     EXPECT_EQ(source->signal_state, c.state);
   }
-  source_t disk{};
-  disk.src_code = EN_SC_UDISK_1;
-  EXPECT_FALSE(TakeMeasurement({0, 1, 1, 1, 1, 1, 0, 0, 0}, &disk)) << "a disk has no timing";
-  EXPECT_EQ(disk.res.v_period_us, 16665);
-}
-
-TEST(BoardInputs, AnswerAsTheirConfigurationAndFilesSay) {
-  board_kit::Put("inputs/0030.edid", std::string(256, 'x'));
-  board_kit::Put("inputs/0040.edid", "short");
-  board_kit::Configure(
-      "input.0 = none\ninput.1 = 0x0010 VGA\ninput.2 = 0x0030 DP12\n"
-      "input.15 = 0x0040 SDI12G\n");
-  std::vector<obj_id_t> ids;
-  for (ll_handle_t handle = ll_find_input_next(0); handle != 0;
-       handle = ll_find_input_next(handle)) {
-    obj_id_t id = 0;
-    ASSERT_NE(ll_find_input_filter_all(handle, &id), 0);
-    ids.push_back(id);
-  }
-  EXPECT_EQ(ids, (std::vector<obj_id_t>{0x0010, 0x0030, 0x0040}));
-  en_if_type type{};
-  ll_video_if_cap_t cap{};
-  EXPECT_EQ(ll_get_input_info(0x0030, &type, &cap), ll_ret_ok);
-  EXPECT_EQ(type, EN_IF_T_DP12);
-  EXPECT_EQ(cap.weidth, 4096);
-  std::array<uint8_t, 256> image{};
-  uint16_t length = 256;
-  EXPECT_EQ(ll_input_get_edid(0x0030, image.data(), &length), ll_ret_ok);
-  EXPECT_EQ(image[200], 'x') << "whatever the file holds";
-  EXPECT_EQ(ll_input_get_edid(0x0040, image.data(), &length), ll_ret_unexpected);
-  length = 255;
-  EXPECT_EQ(ll_input_get_edid(0x0030, image.data(), &length), ll_ret_sem_err);
-  EXPECT_EQ(ll_input_set_edid(0x0030, image.data(), 128), ll_ret_sem_err);
-  EXPECT_EQ(ModeShown("0010.edid").width, 1920) << "of its own";
 }
 
 }  // namespace

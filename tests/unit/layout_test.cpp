@@ -206,18 +206,15 @@ TEST(PortTables, GoBetweenClientAndFpga) {
       R 03000000 | a000 | 0 | 40960 | tables
       R 03009fff | 0002 | 5 | 0     |
       R 03100020 | 0002 | 0 | 2     | fpga R 0x500000 x128
-      R 03100100 | 0001 | 0 | 1     | fpga R 0x500100 x128
       R 0310027f | 0002 | 0 | 2     | fpga R 0x502000 x128
       R 03100020 | 0003 | 0 | 3     | all
       R 031002ff | 0002 | 5 | 0     |
       W 03009ff0 | 11223344 | 0 | 0 | fpga W 0x609ff0 11223344
       W 03009ffe | 55667788 | 0 | 0 |
-      W 0300a000 | 55       | 0 | 0 |
       W 03100021 | a1a2     | 0 | 0 | fpga W 0x500000 x128
       W 03100280 | a1       | 0 | 0 | fpga W 0x503000 x128
       W 03100022 | a3a4a5   | 0 | 0 | all
       W 031002fe | a3a4a5   | 5 | 0 |
-      R 02700000 | 0004 | 0 | 0     |
     )")) {
     SCOPED_TRACE(row[0] + " " + row[1]);
     const bool read = row[0][0] == 'R';

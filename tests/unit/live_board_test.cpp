@@ -42,38 +42,6 @@ TEST(LiveCards, NeighboursThatShowTheSameAreOneRun) {
   EXPECT_EQ(list.ports.at(15).size(), 1U);
 }
 
-TEST(LiveCards, AListIsMeasuredBeforeItIsRead) {
-  const Bytes good = CardFile(board::Settings{});
-  const auto count = [](Bytes file, std::uint64_t size) {
-    file.resize(kCardHeader);
-    return CardCount(std::span<const std::uint8_t, kCardHeader>(file.data(), kCardHeader), size);
-  };
-  EXPECT_EQ(count(good, good.size()), 13U);
-  EXPECT_EQ(count(good, kCardHeader + 2 * 32 + 31), 2U) << "cut short";
-  EXPECT_EQ(count(good, 3), 0U);
-  Bytes many = good;
-  std::fill_n(many.begin() + 8, 4, std::uint8_t{0xFF});
-  EXPECT_EQ(count(many, UINT64_MAX), kMostCards);
-  Bytes wide = good;
-  wide[12] = 33;
-  EXPECT_EQ(count(wide, good.size()), 0U);
-  EXPECT_EQ(count(Bytes(kCardHeader, 0), good.size()), 0U);
-}
-
-TEST(LiveDescribe, AWallByItsPorts) {
-  Snapshot snapshot;
-  snapshot.device =
-      *wall_bytes::With(wall::Smart{.rows = 2, .columns = 2, .perCable = 2, .mode = 0});
-  const Json wall = DescribeWall(snapshot);
-  EXPECT_EQ(wall["kind"], "smart");
-  EXPECT_EQ(wall["screen"], Json({256, 256}));
-  EXPECT_EQ(wall["cabinets"], 4);
-  EXPECT_EQ(wall["ports"]["1"]["at"], Json({0, 128, 128, 128}));
-  EXPECT_EQ(wall["ports"]["1"]["window"], Json({0, 128, 256, 128}));
-  EXPECT_EQ(wall["ports"]["3"]["repeats"], 1);
-  EXPECT_FALSE(wall["ports"]["3"].contains("at"));
-}
-
 // Whatever the folder holds has a meaning, and no null, since a patch can't say one.
 TEST(LiveDescribe, AnyBytesHaveAMeaning) {
   const std::function<bool(const Json&)> has_null = [&](const Json& json) -> bool {
@@ -149,21 +117,6 @@ TEST(LiveGuard, HostsThatNameUs) {
                                       {":8181", false}}) {
     EXPECT_EQ(HostAllowed(host, "wall.lan"), allowed) << host;
   }
-}
-
-TEST(LiveGuard, TokensDifferFromRunToRun) {
-  EXPECT_EQ(NewToken().size(), 32U);
-  EXPECT_NE(NewToken(), NewToken());
-}
-
-TEST(LiveOrders, AreUnderstood) {
-  const auto parsed = [](const char* text) { return ParseOrder(text).value(); };
-  EXPECT_EQ(parsed(R"({"order": "link", "port": 15, "up": true})"), Order(LinkOrder{15, true}));
-  EXPECT_EQ(parsed(R"({"order": "lux", "lux": 4294967295})"), Order(LuxOrder{"4294967295"}));
-  EXPECT_EQ(parsed(R"({"order": "lux", "lux": "fail"})"), Order(LuxOrder{"fail"}));
-  EXPECT_EQ(parsed(R"({"order": "jump", "seconds": -1})"), Order(JumpOrder{-1}));
-  EXPECT_EQ(parsed(R"({"order": "fault", "name": "skip", "count": 2})"),
-            Order(FaultOrder{board::Fault::kSkip, 2}));
 }
 
 }  // namespace

@@ -42,13 +42,6 @@ TEST(LiveState, ADifferenceTurnsOneIntoTheOther) {
   }
 }
 
-TEST(LiveState, ADifferenceHoldsOnlyWhatDiffers) {
-  const Json before = {{"same", {{"x", 1}}}, {"part", {{"x", 1}, {"y", 2}}}, {"gone", 3}};
-  const Json after = {{"same", {{"x", 1}}}, {"part", {{"x", 1}, {"y", 3}}}, {"come", 4}};
-  EXPECT_EQ(Difference(before, after),
-            Json({{"part", {{"y", 3}}}, {"gone", nullptr}, {"come", 4}}));
-}
-
 TEST(LiveState, SectionsThatAreTheSameObjectAreNotCompared) {
   State before;
   const auto section = [](int x) { return std::make_shared<const Json>(Json{{"x", x}}); };

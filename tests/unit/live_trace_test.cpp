@@ -35,35 +35,6 @@ TEST_F(LiveTail, BeginsNearTheEndOfWhatWasThere) {
   EXPECT_EQ(tail_.passedOver(), 0U) << "nobody waited for it";
 }
 
-TEST_F(LiveTail, PassesOverWhatCameTooFastAndSaysSo) {
-  tail_.Look();
-  Append(std::string(3 * Tail::kMostRead, 'a') + "\nlast\n");
-  EXPECT_EQ(tail_.Look(), Lines{"last"});
-  EXPECT_EQ(tail_.passedOver(), 2 * Tail::kMostRead + 6);
-  tail_.Rest();
-  Append(std::string(2 * Tail::kMostRead, 'a') + "\nmore\n");
-  EXPECT_EQ(tail_.Look(), Lines{"more"});
-  EXPECT_EQ(tail_.passedOver(), 2 * Tail::kMostRead + 6) << "nobody was looking";
-}
-
-TEST_F(LiveTail, KeepsOnlyTheBeginningOfALongLine) {
-  Append(std::string(5000, 'a'));
-  tail_.Look();
-  Append(std::string(5000, 'b') + "\nshort\n");
-  EXPECT_EQ(tail_.Look(), (Lines{std::string(Tail::kMostLine, 'a'), "short"}));
-}
-
-TEST_F(LiveTail, BeginsAnewWhereTheFileWasCutShortOrReplaced) {
-  Append("one\ntwo\nhal");
-  tail_.Look();
-  std::filesystem::resize_file(file_, 0);
-  Append("three\n");
-  EXPECT_EQ(tail_.Look(), Lines{"three"});
-  std::filesystem::rename(file_, file_.string() + ".old");
-  Append("four\nfive\n");
-  EXPECT_EQ(tail_.Look(), (Lines{"four", "five"}));
-}
-
 struct Told {
   const char* line;
   LogEntry::Kind kind;
@@ -129,13 +100,6 @@ TEST(LiveLog, PassesOverWhatIsNoLineOfTheBus) {
     log.Take(line);
   }
   EXPECT_EQ(log.entries().size(), frames);
-}
-
-TEST(LiveLog, KeepsTheLastEntries) {
-  Log log;
-  for (int i = 0; i < 1000; ++i) log.Take(kTold[6].line);
-  ASSERT_EQ(log.entries().size(), Log::kMost);
-  EXPECT_EQ(log.entries().back().number, 1000U);
 }
 
 }  // namespace

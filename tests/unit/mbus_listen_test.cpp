@@ -32,12 +32,4 @@ TEST(BusSocket, ReplacesADeadOneAndNothingElse) {
   EXPECT_TRUE(fs::is_socket(path) && fs::is_regular_file(file));
 }
 
-TEST(BusSocket, TakesAPathOf107BytesAndNotOneMore) {
-  const std::string folder = board_kit::Named().string() + "/";
-  ASSERT_LT(folder.size(), 100U);
-  const std::string longest = folder + std::string(107 - folder.size(), 'x');
-  EXPECT_TRUE(Listen(longest));
-  EXPECT_FALSE(Listen(longest + "x"));
-}
-
 }  // namespace

@@ -7,51 +7,6 @@
 namespace ZEPH_MCUC {
 namespace {
 
-constexpr CardSize kCard{128, 128};
-
-TEST(MosaicAdvanced, RecordByteByByte) {
-  std::array<uint8_t, shortcut::kPortRecordSize> record{};
-  const AdvancedPort empty = ReadAdvancedPort(record);
-  EXPECT_EQ(empty.cabinets(), 1U) << "an empty record is one cabinet";
-
-  record[1] = 5;
-  record[6] = 22;
-  record[7] = 23;
-  record[10] = 0x34, record[11] = 0x12;
-  record[12] = 0x78, record[13] = 0x56;
-  const AdvancedPort port = ReadAdvancedPort(record);
-  EXPECT_EQ((std::array<int, 5>{port.mode, port.rows, port.columns, port.x, port.y}),
-            (std::array<int, 5>{5, 22, 23, 0x1234, 0x5678}));
-}
-
-TEST(MosaicAdvanced, Limits) {
-  const auto within = [](std::size_t ports, AdvancedPort port) {
-    AdvancedPorts all;
-    std::fill_n(all.begin(), ports, port);
-    return WithinLimits(all);
-  };
-  EXPECT_FALSE(within(1, {.rows = 23, .columns = 23})) << "529 on a port";
-  EXPECT_TRUE(within(1, {.rows = 22, .columns = 23}));
-  EXPECT_FALSE(within(10, {.rows = 41, .columns = 5})) << "2050 on all";
-  EXPECT_TRUE(within(10, {.rows = 51, .columns = 4})) << "2040 on all";
-}
-
-TEST(MosaicAdvanced, TwoPortsSideBySide) {
-  AdvancedPorts ports;
-  ports[0] = {.rows = 2, .columns = 2};
-  ports[1] = {.rows = 2, .columns = 2, .x = 256};
-  const Extent screen = ScreenOfPorts(ports, kCard);
-  EXPECT_EQ(screen.width, 512U);
-  EXPECT_EQ(screen.height, 256U);
-  const AdvancedPlan plan = PlanAdvanced(ports, kCard);
-  EXPECT_EQ(plan.realWidth, 256) << "the largest window, not the screen";
-  EXPECT_EQ(plan.realHeight, 256);
-  EXPECT_EQ(plan.windows[1], (PortWindow{256, 256, 256, 0}));
-  EXPECT_EQ(plan.windows[2], (PortWindow{128, 128, 0, 0}));
-  EXPECT_EQ(plan.cards[1], 4);
-  EXPECT_EQ(plan.cards[9], 1);
-}
-
 TEST(MosaicAdvanced, SizesThatDontFit) {
   AdvancedPorts ports;
   ports[0] = {.rows = 2, .columns = 3, .x = 65535, .y = 65000};

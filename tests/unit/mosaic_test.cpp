@@ -73,22 +73,6 @@ TEST(Mosaic, WallsReckonedByHand) {
   for (const auto& [wall, told] : cases) EXPECT_EQ(Told(PlanMosaic(wall)), told);
 }
 
-TEST(Mosaic, TableOfTwoRowsByHand) {
-  auto tables = std::make_unique<Tables>();
-  FillPositionTables(PlanMosaic(Wall(4, 3, 5, 0)), *tables);
-  const std::array<uint8_t, 28> cards = {0,   0, 0,   0, 128, 0, 0, 0, 0,   1, 0, 0, 0, 1,
-                                         128, 0, 128, 0, 128, 0, 0, 0, 128, 0, 0, 0, 0, 0};
-  for (const std::size_t port : {0, 1, 9}) {
-    EXPECT_TRUE(std::equal(cards.begin(), cards.end(), &(*tables)[port * kPositionBlock])) << port;
-  }
-}
-
-TEST(Mosaic, ScreenParametersByteByByte) {
-  const std::array<uint8_t, kScreenParaHead> head = {1,    0x55, 0, 0, 0, 0,    0x34, 0x12,
-                                                     0x78, 0x56, 4, 3, 7, 0xCD, 0xAB};
-  EXPECT_EQ(ScreenParaHead(Wall(4, 3, 0xABCD, 7, 0x1234, 0x5678)), head);
-}
-
 // The list of a cable's cards as often as it fits whole.
 void ListCards(const MosaicInput& wall, int width, int height, uint8_t* block) {
   const int cards = width * height;

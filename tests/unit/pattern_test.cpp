@@ -1,16 +1,13 @@
-// The screen pattern generator: phases, what is sent in which order, and what is refused.
+// The screen pattern generator: phases, and what is sent in which order.
 #include <gtest/gtest.h>
 
 #include "board/faults.h"
-#include "proto/calc_pattern.h"
 #include "support/device.h"
 #include "support/inprocess.h"
 #include "support/trace.h"
 
 namespace ZEPH_MCUC {
 namespace {
-
-using pattern::Place;
 
 constexpr std::uint32_t kBase = 0x12010000;
 
@@ -29,36 +26,6 @@ std::string Image(std::uint32_t offset, std::size_t length) {
 constexpr char kSent[] =
     "fpga R 0x2c x2\nfpga R 0x26 x2\nfpga W 0xa00000 x27\nfpga W 0xa0001c x29\n"
     "fpga W 0xa0001b a8\nfpga W 0xa0001b 00\n";
-
-TEST(PatternPhases, AreAsGiven) {
-  const struct {
-    int first, interval, phase;
-    bool valid;
-  } kPixels[] = {
-      {3, 8, 5, true},  {0, 8, 0, true},   {7, 8, 1, true},  {0, 1, 0, true},
-      {8, 8, 0, false}, {-1, 8, 0, false}, {0, 0, 0, false}, {32767, 65535, 32768, true}};
-  for (const auto& c : kPixels) {
-    const Place place = pattern::PlacePixels(static_cast<std::int16_t>(c.first),
-                                             static_cast<std::uint16_t>(c.interval));
-    EXPECT_EQ(place.phase, c.phase) << c.first;
-    EXPECT_EQ(place.valid, c.valid) << c.first;
-  }
-  const struct {
-    int first, size, offset, phase;
-    bool valid;
-  } kBlocks[] = {
-      {5, 16, 1, 11, true},      {16, 16, 1, 0, true},      {17, 16, 2, 15, true},
-      {0, 16, 0, 0, true},       {-5, 16, 0, 5, true},      {-15, 16, 0, 15, true},
-      {-16, 16, 0, 0, false},    {-32768, 16, 0, 0, false}, {-32768, 65535, 0, 32768, true},
-      {32767, 1, 32767, 0, true}};
-  for (const auto& c : kBlocks) {
-    const Place place = pattern::PlaceBlocks(static_cast<std::int16_t>(c.first),
-                                             static_cast<std::uint16_t>(c.size));
-    EXPECT_EQ(place.offset, c.offset) << c.first;
-    EXPECT_EQ(place.phase, c.phase) << c.first;
-    EXPECT_EQ(place.valid, c.valid) << c.first;
-  }
-}
 
 TEST(Pattern, WriteSendsTheWholeBlockThenStrobes) {
   device::Begin("fpga");
@@ -95,12 +62,10 @@ TEST(Pattern, TypesSetTheirOwnPhasesAndNoOthers) {
   constexpr Case kCases[] = {
       {"03000400", "0108000a00", "10002000", "05000600", "d1d2d3d4d5d6d7d8", false},
       {"08000400", "0108000a00", "10002000", "00000000", "d1d2d3d4d5d6d7d8", true},
-      {"0300ffff", "0108000a00", "10002000", "00000000", "d1d2d3d4d5d6d7d8", true},
       {"05001100", "0208000a00", "10001000", kOldPixel, "010002000b000f00", false},
       {"fbff0000", "0208000a00", "10001000", kOldPixel, "0000000005000000", false},
       {"f0ff0500", "0208000a00", "10001000", kOldPixel, "0000010000000b00", true},
       {"03000400", "0008000a00", "00000000", kOldPixel, "d1d2d3d4d5d6d7d8", false},
-      {"03000400", "0308000a00", "00000000", kOldPixel, "d1d2d3d4d5d6d7d8", false},
   };
   device::Begin("fpga");
   device::Log log(0);
@@ -137,21 +102,6 @@ TEST(Pattern, BlockOfNoSizeIsNotSentUntilItHasOne) {
   EXPECT_EQ(device::Fpga(0xA00020, 1), "02");
 }
 
-TEST(Pattern, AccessThatReachesTheEndIsRefused) {
-  device::Begin("fpga");
-  device::Log log(0);
-  support::Trace trace;
-  for (const std::uint32_t offset : {0x3C, 0x3F, 0xFFFC}) {
-    EXPECT_TRUE(inprocess::Read(kBase + offset, 4).m_data.empty());
-    EXPECT_NE(log.Take().find("=== ReadScreenPatternGenInfo ===Invalid addr+len, return! address"),
-              std::string::npos);
-    inprocess::Write(kBase + offset, inprocess::Bytes("01020304"));
-    EXPECT_EQ(inprocess::DrainQueue(), 0);
-  }
-  EXPECT_EQ(trace.Take(), "");
-  EXPECT_EQ(inprocess::Read(kBase + 0x3B, 4).m_data.size(), 4U);
-}
-
 TEST(Pattern, ReadTakesTheFpgaOverIntoTheImage) {
   device::Begin("none");
   Write(0x06, "666768");
@@ -161,17 +111,6 @@ TEST(Pattern, ReadTakesTheFpgaOverIntoTheImage) {
   board::SetFaultCount(board::Fault::kFpgaRead, 3);
   EXPECT_TRUE(inprocess::Read(kBase + 0x06, 3).m_data.empty());
   EXPECT_EQ(Image(0x06, 3), "a6a768");
-}
-
-TEST(Pattern, FailedAccessIsLostAndTheRestGoesOn) {
-  device::Begin("fpga");
-  for (int failing = 0; failing < 4; ++failing) {
-    support::Trace trace;
-    board::SetFaultCount(board::Fault::kSkip, failing);
-    board::SetFaultCount(board::Fault::kFpgaWrite, 3);
-    Write(0x06, "01");
-    EXPECT_EQ(support::Count(trace.Take(), "fpga W"), 4 + 2) << failing;  // the lost one thrice
-  }
 }
 
 }  // namespace

@@ -6,19 +6,14 @@
 #include "record/compare.h"
 #include "record/plan.h"
 #include "record/recording.h"
-#include "stub/frame_layout.h"
+#include "support/raw_peer.h"
 
 namespace quivord::record {
 namespace {
 
 using namespace ZEPH_MCUC;
+using support::FrameOf;
 using Kind = Step::Kind;
-
-Bytes FrameOf(const FrameHead& head, const Bytes& data = {}) {
-  Bytes bytes(static_cast<std::size_t>(FrameSize(static_cast<std::int32_t>(data.size()))));
-  WriteFrame(head, data, bytes.data());
-  return bytes;
-}
 
 Bytes Read(std::uint32_t address, std::uint16_t length) {
   return FrameOf({.registerAddress = address, .dataLength = length});
@@ -41,30 +36,6 @@ Bytes Answer(std::uint32_t address, const Bytes& data, std::uint8_t ack = 0,
                  data);
 }
 
-TEST(Recording, ReadsBackWhatItWrote) {
-  std::mt19937 random(7);
-  Recording recording{.slot = 3, .frames = {}};
-  std::string text = HeadText(3) + "# a remark\n\n";
-  for (std::int64_t i = 0; i < 300; ++i) {
-    Frame frame{i * i, random() % 2 == 0, 1 + static_cast<std::uint32_t>(random()), {}};
-    // Rows that repeat themselves at a distance, with a flaw here and there.
-    const std::size_t distance = 1 + random() % 20;
-    for (std::size_t at = 0; at < random() % 400; ++at) {
-      const bool again = at >= distance && random() % 50 != 0;
-      frame.bytes.push_back(again ? frame.bytes[at - distance]
-                                  : static_cast<std::uint8_t>(random()));
-    }
-    text += FrameText(frame);
-    recording.frames.push_back(std::move(frame));
-  }
-  recording.frames.push_back({90000, true, 1, Bytes(65536, 0)});
-  text += FrameText(recording.frames.back());
-  EXPECT_LT(FrameText(recording.frames.back()).size(), 40U);
-  Recording read;
-  EXPECT_EQ(ReadRecording(text, "file", read), "");
-  EXPECT_EQ(read, recording);
-}
-
 TEST(Recording, SaysWhichLineIsWrong) {
   struct Case {
     const char* text;
@@ -76,15 +47,11 @@ TEST(Recording, SaysWhichLineIsWrong) {
       {"quivord-recording 2\nslot 0\n", "file:1: a recording of version 2"},
       {"quivord-recording 1\nslot 256\n", "file:2: 'slot'"},
       {"quivord-recording 1\nslot 0\n1 > 0x0 00\n", "file:3: a frame is"},
-      {"quivord-recording 1\nslot 0\n1 ? 0x1 00\n", "file:3: a frame is"},
       {"quivord-recording 1\nslot 0\n-1 > 0x1 00\n", "file:3: a frame is"},
       {"quivord-recording 1\nslot 0\n1 > 0x1\n", "file:3: the bytes"},
       {"quivord-recording 1\nslot 0\n1 > 0x1 0\n", "file:3: the bytes"},
-      {"quivord-recording 1\nslot 0\n1 > 0x1 0x\n", "file:3: the bytes"},
-      {"quivord-recording 1\nslot 0\n1 > 0x1 (1:4)\n", "file:3: the bytes"},
       {"quivord-recording 1\nslot 0\n1 > 0x1 00(2:4)\n", "file:3: the bytes"},
       {"quivord-recording 1\nslot 0\n1 > 0x1 00(1:65536)\n", "file:3: the bytes"},
-      {"quivord-recording 1\nslot 0\n1 > 0x1 00(1:\n", "file:3: the bytes"},
       {"quivord-recording 1\nslot 0\n9 > 0x1 00\n8 > 0x1 00\n", "file:4: the times go back"},
   };
   for (const Case& broken : kCases) {
@@ -146,9 +113,6 @@ TEST(Compare, NamesTheRegistersThatDiffer) {
       {Answer(0x02000011, {0x26, 1, 2, 3, 4, 5, 0}),
        Answer(0x02000011, {0x26, 1, 2, 3, 4, 6, 0}),
        {{"0x02000011 time", "2026-01-02 03:04:05", "2026-01-02 03:04:06", kClock}}},
-      {Answer(0x02000051, {0, 2, 0, 1}),
-       Answer(0x02000051, {0, 1, 0, 1}),
-       {{"0x02000051 port-0-width", "512", "256", ""}}},
       {Answer(0x02000052, {2, 0, 1}),
        Answer(0x02000052, {1, 0, 1}),
        {{"0x02000052 port-0-width", "02", "01", ""}}},

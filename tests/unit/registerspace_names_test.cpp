@@ -28,40 +28,6 @@ TEST(RegisterSpaceNames, TopTableHasEachKeyOnceAndFindsItsSpace) {
   EXPECT_EQ(keys.size(), 23U);
 }
 
-TEST(RegisterSpaceNames, RowsAndAreasAreConsistent) {
-  for (const SpaceNames* space : kSpaces) {
-    ASSERT_FALSE(space->rows.empty()) << space->className;
-    EXPECT_LE(space->least, space->most) << space->className;
-    for (const RowNames& row : space->rows) {
-      EXPECT_EQ(row.key & space->mask, row.key) << space->className << ": key outside the mask";
-      EXPECT_EQ(FindRow(*space, row.key), &row) << space->className;
-    }
-    for (const AccessRule& rule : {space->read, space->write}) {
-      for (const Area& area : rule.areas) EXPECT_LT(area.begin, area.end) << space->className;
-    }
-  }
-}
-
-TEST(RegisterSpaceNames, AddressesReachTheirSpace) {
-  const struct {
-    uint32_t address;
-    const SpaceNames* space;
-  } cases[] = {{0x0E123456, &kRGBGammaSpace},
-               {0x0FFFFFFF, &kRVConfigFileSpace},
-               {0xF1FFFFFF, &kTestPrinfSpace},
-               {0x02810016, &kShortcutConfigScreenSpace},
-               {0x0506FFFF, &kSoftwareTableSpace},
-               {0x18201000, &kCardProgmaSpace},
-               {0x02800000, nullptr},
-               {0x02010000, nullptr},
-               {0x0A010000, nullptr},
-               {0xF2000000, nullptr},
-               {0xFFFFFFFF, nullptr}};
-  for (const auto& test : cases) {
-    EXPECT_EQ(FindSpace(test.address), test.space) << std::hex << test.address;
-  }
-}
-
 void ExpectProspects(std::span<const Case> cases, Prospect (*foresee)(uint32_t, int32_t)) {
   for (const Case& test : cases) {
     const Prospect prospect = foresee(test.address, test.length);
@@ -97,13 +63,6 @@ TEST(RegisterSpaceNames, AccessesMeetWhatTheDaemonDoes) {
       {0xF0000100, 4096, kServed}, {0xF0000100, 4097, kLength},   {0xF0000100, 0, kLength}};
   ExpectProspects(kReads, ForeseeRead);
   ExpectProspects(kWrites, ForeseeWrite);
-}
-
-TEST(RegisterSpaceNames, TextsNameTheLimit) {
-  EXPECT_EQ(ForeseeRead(0x02010000, 4).text, "no register space has address 0x02010000");
-  EXPECT_EQ(ForeseeWrite(0x02300000, 513).text, "a write of 513 bytes; backup info takes 1 to 512");
-  EXPECT_EQ(ForeseeWrite(0x0E001FFF, 2).text,
-            "2 bytes from offset 0x1FFF do not lie inside 0x0 to 0x1FFF of the RGB Gamma space");
 }
 
 }  // namespace

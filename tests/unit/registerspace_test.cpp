@@ -1,14 +1,11 @@
-// The road of a request through the top table and a space's rows, and the two plainest spaces.
-#include "proto/registerspace.h"
-
+// What a peer gets for requests that meet the top table, the rows and the plainest spaces.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <numeric>
 
 #include "board/cells.h"
+#include "board/faults.h"
 #include "proto/tshl_ctl.h"
-#include "support/board_kit.h"
 #include "support/inprocess.h"
 
 namespace {
@@ -19,127 +16,6 @@ using board::Fault;
 using board::SetFaultCount;
 
 using Data = std::vector<uint8_t>;
-
-// --- A space of its own, so that rows, masks and checks are seen without what a real one does.
-
-constexpr RowNames kRows[] = {{0x0010, "first", "first row"}, {0x0020, "second", "second row"}};
-constinit const SpaceNames kOwnSpace{
-    .className = "Addr_OwnRegister",
-    .top = {{{0x77000000, "own", "own register"}}},
-    .mask = 0x0000FFFF,
-    .offsetMask = 0x0000000F,
-    .least = 2,
-    .most = 8,
-    .rows = kRows,
-};
-
-class Addr_OwnRegister : public RegisterSpace<Addr_OwnRegister, kOwnSpace> {
- public:
-  static std::span<const RowFunction> RowFunctions() {
-    static constexpr RowFunction kFunctions[] = {Do<1>, Do<2>};
-    return kFunctions;
-  }
-  template <uint8_t Row>
-  static JSHL_Type_e Do(QMB_proto3rd* msg, Fshl_cmd* /*row*/, int /*flag*/) {
-    row = Row;
-    return space::Dispatch(msg, Read, Write);
-  }
-  static JSHL_Type_e Read(QMB_proto3rd* msg) {
-    space::Reply(msg, Data{row, 0xBB});
-    return JSHL_OK;
-  }
-  static JSHL_Type_e Write(QMB_proto3rd* msg) {
-    written = msg->proto.m_data;
-    return JSHL_Timeout;
-  }
-  static inline uint8_t row = 0;
-  static inline Data written;
-};
-
-TEST(RegisterSpace, ChecksAgainstTheRowThatTheMaskedAddressNames) {
-  struct Case {
-    uint32_t address;
-    uint16_t length;
-    uint8_t code;
-    JSHL_Type_e result;
-    uint8_t ack, row;
-  };
-  constexpr Case kCases[] = {
-      {0x77000010, 2, 0, JSHL_OK, 0, 1},
-      {0x12340020, 8, 0, JSHL_OK, 0, 2},
-      {0x77000020, 3, 1, JSHL_Timeout, 0, 2},
-      {0x77000010, 1, 0, JSHL_invalidLenMaxMin, 4, 0},
-      {0x77000010, 9, 1, JSHL_invalidLenMaxMin, 4, 0},
-      {0x77000010, 2, 2, JSHL_invalidTypeErr, 4, 0},
-      {0x77000011, 2, 0, JSHL_invalidCMD, 4, 0},
-      {0x77010010, 0, 0, JSHL_invalidLenMaxMin, 4, 0},
-  };
-  Addr_OwnRegister::getInstance();
-  for (const Case& c : kCases) {
-    SCOPED_TRACE(c.address * 10 + c.length);
-    QMB_proto3rd request = c.code == 1 ? WriteRequest(c.address, Data(c.length, 0xCC))
-                                       : ReadRequest(c.address, c.length);
-    request.proto.m_ucCode = c.code;
-    Addr_OwnRegister::row = 0;
-    EXPECT_EQ(Addr_OwnRegister::Ssh_cmd(&request, nullptr, 0), c.result);
-    EXPECT_EQ(request.proto.m_ucAck, c.ack);
-    EXPECT_EQ(Addr_OwnRegister::row, c.row);
-    if (c.code != 0) continue;
-    EXPECT_EQ(request.proto.m_data, c.row == 0 ? Data{} : (Data{c.row, 0xBB}));
-  }
-  EXPECT_EQ(Addr_OwnRegister::written, Data(3, 0xCC));
-}
-
-TEST(RegisterSpace, RowSaysWhichOperationsItTakes) {
-  struct Case {
-    int32_t type;
-    uint8_t code;
-    JSHL_Type_e result;
-  };
-  constexpr Case kCases[] = {{PROTO_R, 0, JSHL_OK},
-                             {PROTO_R, 1, JSHL_invalidTypeErr},
-                             {PROTO_W, 0, JSHL_invalidTypeErr},
-                             {PROTO_W, 1, JSHL_OK},
-                             {PROTO_RW, 0, JSHL_OK},
-                             {PROTO_RW, 1, JSHL_OK},
-                             {PROTO_RW, 2, JSHL_invalidTypeErr}};
-  for (const Case& c : kCases) {
-    QMB_proto3rd request;
-    request.proto.m_ucCode = c.code;
-    request.proto.m_usValidDataLength = 512;
-    Fcheck_func check{c.type, {}};
-    EXPECT_EQ(Ssh_checkFun(&check, &request), c.result) << c.type << " " << int{c.code};
-    request.proto.m_usValidDataLength = 513;
-    EXPECT_EQ(Ssh_checkFun(&check, &request), JSHL_invalidLenMaxMin);
-  }
-}
-
-TEST(RegisterSpace, RangeEndsWhereTheSpaceEnds) {
-  struct Case {
-    uint32_t address;
-    uint16_t length;
-    bool inside;
-  };
-  constexpr Case kCases[] = {{0x77000000, 15, true},    {0x77000000, 16, false},
-                             {0x7700000E, 1, true},     {0x7700000F, 0, true},
-                             {0x7700000F, 1, false},    {0xFFFFFFF1, 14, true},
-                             {0x77000001, 65535, false}};
-  for (const Case& c : kCases) {
-    EXPECT_EQ(space::InRange(kOwnSpace, ReadRequest(c.address, c.length), 15, "ReadOwn"), c.inside)
-        << c.address << " " << c.length;
-  }
-}
-
-TEST(RegisterSpace, WriteWithoutDataIsNotQueued) {
-  QMB_proto3rd request = WriteRequest(0x77000010, {});
-  EXPECT_EQ(space::QueueWrite(&request, DoFeatureInfoKey, "WriteOwn"), JSHL_invalidTypeErr);
-  EXPECT_EQ(space::QueueWrite(nullptr, DoFeatureInfoKey, "WriteOwn"), JSHL_invalidCMD);
-  request.proto.m_data.resize(65530);  // one byte more than a block holds
-  EXPECT_EQ(space::QueueWrite(&request, DoFeatureInfoKey, "WriteOwn"), JSHL_invalidCMD);
-  EXPECT_EQ(DrainQueue(), 0);
-}
-
-// --- What a peer gets for requests that meet the top table, the rows and the plainest spaces.
 
 struct Answer {
   const char* name;
@@ -192,27 +68,6 @@ TEST(Dispatcher, MarkedRequestIsAnsweredAndNotServed) {
   request.proto.m_ucAck = JSHL_CRCERR_Request;
   EXPECT_EQ(Serve(request).m_ucAck, JSHL_CRCERR_Request);
   EXPECT_EQ(Read(0xF0400000, 1).m_data, Data{0});
-}
-
-TEST(Dispatcher, SpacesPrintTheirRows) {
-  int ends[2];
-  ASSERT_EQ(pipe(ends), 0);
-  const int kept = dup(STDOUT_FILENO);
-  dup2(ends[1], STDOUT_FILENO);
-  QMB_proto3rd request = ReadRequest(0xF0001234, 0);
-  Tshl_ctl::getInstance()->Ssh_cmdOffset(&request);
-  Addr_OwnRegister::getInstance()->Ssh_print(nullptr);
-  dup2(kept, STDOUT_FILENO);
-  char text[512] = {};
-  ASSERT_GT(read(ends[0], text, sizeof text - 1), 0);
-  EXPECT_STREQ(text,
-               "register base=0xF0000000 offset=0xF0000000 :testprintf Infomation\n"
-               "register base=0x77000000 offset=0x00000010 :first row\n"
-               "register base=0x77000000 offset=0x00000020 :second row\n");
-  request.proto.m_uiRegisterUnitAddress = 0x02010000;  // looked up by its top byte
-  EXPECT_NE(Tshl_ctl::getInstance()->Ssh_cmdOffset(&request), 4);
-  request.proto.m_uiRegisterUnitAddress = 0x55000000;
-  EXPECT_EQ(Tshl_ctl::getInstance()->Ssh_cmdOffset(&request), 4);
 }
 
 Data Cells(uint32_t address, uint32_t length) {

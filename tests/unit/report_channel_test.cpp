@@ -1,20 +1,13 @@
-// The FPGA's report channel: its settings, the self-test, and datagrams over a real socket.
-#include <arpa/inet.h>
+// The FPGA's report channel: its settings, the self-test, and what a datagram is checked for.
 #include <gtest/gtest.h>
-#include <net/if.h>
-#include <netinet/in.h>
-#include <sched.h>
-#include <sys/ioctl.h>
-#include <sys/socket.h>
 #include <unistd.h>
 
-#include <cstring>
 #include <thread>
 
 #include "board/faults.h"
 #include "stub/fpgareportthread.h"
-#include "support/child.h"
 #include "support/device.h"
+#include "support/eventually.h"
 #include "support/inprocess.h"
 #include "support/trace.h"
 
@@ -38,8 +31,6 @@ TEST(ReportChannel, DatagramsAreMeasuredBeforeTheyAreRead) {
     ReportFault fault;
   };
   const Case kCases[] = {
-      {"nothing", {}, ReportFault::kTooShort},
-      {"a byte less than a head", Data(8), ReportFault::kTooShort},
       {"head without a sum", Data(10), ReportFault::kTooShort},
       {"no data", Data(11), ReportFault::kNone},
       {"two bytes", inprocess::Bytes("01 0200 78563412 0200 a0b0 6902"), ReportFault::kNone},
@@ -97,26 +88,6 @@ TEST(ReportChannel, SelfTestWritesAndReadsBackBothMemories) {
   EXPECT_EQ(device::Fpga(0x5000FF, 2), "5500");
 }
 
-TEST(ReportChannel, SelfTestSkipsTheComparisonOfWhatFails) {
-  device::Begin("fpga");
-  device::Log log(0);
-  SetFaultCount(Fault::kFpgaWrite, 3);
-  SetFaultCount(Fault::kFpgaRead, 3);
-  support::Trace trace;
-  testfpgareadwrite();
-  const std::string said = log.Take();
-  for (const char* what : {"WriteToPosNetPort ===Write", "ReadFromPosNetPort ===Read"}) {
-    const std::string line = std::string("Error === ") + what + " FPGA Position ";
-    EXPECT_EQ(support::Count(said, line + "16 Word Info failed! ret = -1"), 1);
-    EXPECT_EQ(support::Count(said, line), 1);
-  }
-  const std::string lines = trace.Take();
-  EXPECT_EQ(support::Count(lines, "fpga W"), 24 + 2) << "three tries of the first";
-  EXPECT_EQ(support::Count(lines, "fpga R"), 23 + 2) << "and nothing is read behind it";
-}
-
-// --- The thread ----------------------------------------------------------------------------------
-
 Relaxed<bool> g_on{false};
 
 TEST(ReportChannel, ThreadTestsWhileItIsToldToAndEnds) {
@@ -128,89 +99,20 @@ TEST(ReportChannel, ThreadTestsWhileItIsToldToAndEnds) {
   const auto runs = [](const std::string& lines) {
     return support::Count(lines, "fpga W 0x600000 x1024");
   };
-  const auto await = [](auto condition) {
-    for (int i = 0; i < 5000 && !condition(); ++i) usleep(1000);
-    return condition();
-  };
   std::string lines;
-  EXPECT_TRUE(await([&] { return (lines += trace.Take()).find("0x100070") != std::string::npos; }));
+  EXPECT_TRUE(support::Eventually(
+      [&] { return (lines += trace.Take()).find("0x100070") != std::string::npos; }));
   usleep(5000);
   EXPECT_EQ(runs(trace.Take()), 0) << "switched off it only sleeps";
   g_on = true;
   lines.clear();
-  EXPECT_TRUE(await([&] { return runs(lines += trace.Take()) > 0; }));
+  EXPECT_TRUE(support::Eventually([&] { return runs(lines += trace.Take()) > 0; }));
   channel.Release();
   body.join();
   const std::string said = log.Take();
   EXPECT_EQ(support::Count(said, "Debug ActiveReport thread begin:"), 1);
   EXPECT_EQ(support::Count(said, "Info FpgaThread  exit."), 1);
   EXPECT_EQ(support::Count(said, "Debug ActiveReport thread exit."), 1);
-}
-
-// --- The socket ----------------------------------------------------------------------------------
-
-// In a network of this process's own, which has no "eth0" but lets a process talk to itself. False
-// where the system lets nobody have one.
-bool EnterOwnNetwork() {
-  // Whoever may have one without becoming somebody else does; the other way takes a single thread.
-  if (unshare(CLONE_NEWNET) != 0 && unshare(CLONE_NEWUSER | CLONE_NEWNET) != 0) return false;
-  const int control = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-  ifreq request{};
-  std::strcpy(request.ifr_name, "lo");
-  request.ifr_flags = IFF_UP;
-  const bool up = ioctl(control, SIOCSIFFLAGS, &request) == 0;
-  close(control);
-  return up;
-}
-
-void SendTo(const Data& datagram) {
-  const int sender = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-  sockaddr_in to{};
-  to.sin_family = AF_INET;
-  to.sin_port = htons(58200);
-  to.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  if (sendto(sender, datagram.data(), datagram.size(), 0, reinterpret_cast<const sockaddr*>(&to),
-             sizeof to) < 0) {
-    support::Complain("can't send; ");
-  }
-  close(sender);
-}
-
-void ReceiveReports() {
-  device::Begin("none");
-  device::Log log(0);
-  Data buffer(kReportBuffer);
-  Relaxed<bool> keepOn{true};
-  RecvFpgaReportMsg(0, buffer.data(), keepOn);  // ends where there is no socket
-  if (udp_port_init_sender() != 0) return support::Complain("no socket; ");
-  if (udp_port_init_sender() != 0) return support::Complain("no second socket; ");
-  SendTo(inprocess::Bytes("01 0200 78563412 0200 a0b0 6802"));
-  SendTo(inprocess::Bytes("01 0200 78563412 0104 a0b0 6902"));
-  SendTo(inprocess::Bytes("01 0200 78563412 0200 a0b0 6902"));
-  std::thread receiver([&] { RecvFpgaReportMsg(0, buffer.data(), keepOn); });
-  std::string lines;
-  for (int i = 0; i < 5000 && support::Count(lines, "Error Recvmsg length") == 0; ++i) {
-    usleep(1000);
-    lines += log.Take();
-  }
-  keepOn = false;
-  SendTo(Data(11));  // one more, that ends the wait
-  receiver.join();
-  lines += log.Take();
-  if (lines != "Error Recvmsg checksum is invalid \nError Recvmsg length is invalid 1025\n") {
-    support::Complain("logged: " + lines);
-  }
-}
-
-TEST(ReportChannel, ReportsComeThroughTheSocketAndAreChecked) {
-  constexpr int kNotAllowed = 77;
-  const auto run = support::InChild([] {
-    if (!EnterOwnNetwork()) _exit(kNotAllowed);
-    ReceiveReports();
-  });
-  if (run.status == kNotAllowed) GTEST_SKIP() << "no network of one's own on this system";
-  EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.complaints, "");
 }
 
 }  // namespace

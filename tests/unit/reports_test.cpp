@@ -157,15 +157,4 @@ TEST(Reports, SingleFramesNameTheirRegister) {
   EXPECT_EQ(device::Image(0x100, 8), "0102030405060708") << "roles go into the image as well";
 }
 
-// A report is shaped like a reply: byte for byte as it crosses the bus.
-TEST(Reports, FrameOfAReport) {
-  device::Begin("none");
-  auto owd = device::ConnectOwd();
-  Global().SendFlag_quivordload();
-  const auto packet = owd.Receive();
-  ASSERT_TRUE(packet.has_value());
-  EXPECT_EQ(device::Hex(std::span(*packet).subspan(28)),
-            "aa5500000000000000000000000000140100026c55");
-}
-
 }  // namespace

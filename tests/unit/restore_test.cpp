@@ -195,14 +195,6 @@ TEST(Restore, SizesInFlash) {
     EXPECT_EQ(std::to_string(Global().Read_CardSize_FromFlash(size)), row[1]);
     EXPECT_EQ(shown(), row[3]);
   }
-  SetFaultCount(Fault::kFlashRead, 3);
-  std::uint32_t size[2] = {1, 1};
-  EXPECT_EQ(Global().Read_CardSize_FromFlash(size), -1);
-  EXPECT_EQ(std::pair(size[0], size[1]), std::pair(128U, 128U));
-  Global().ReceiveCardWidth = 96;
-  Global().ReceiveCardHeight = 0x120;
-  EXPECT_EQ(Global().Write_CardSize_toFlash(), 0);
-  EXPECT_EQ(device::Flash(0xC20008, 8), "6000000020010000");
 }
 
 TEST(Restore, GoesOnWhateverFails) {

@@ -117,19 +117,6 @@ TEST(RGBGamma, WhatAPieceLeavesDependsOnWhereItBeginsAndEnds) {
   }
 }
 
-TEST(RGBGamma, UploadInAnHdrModeWaitsForTheDefaultOne) {
-  device::Begin("fpga");
-  const std::uint8_t kHlg[] = {0x78};
-  const std::uint8_t kDefault[] = {0};
-  Write(0x02200117, kHlg);
-  support::Trace trace;
-  const GammaTable bytes = PowerTable(2.2, 10);
-  Upload(Set::k10Bit, bytes);
-  EXPECT_EQ(trace.Take(), "");
-  Write(0x02200117, kDefault);
-  EXPECT_EQ(device::Fpga(kBus[1], 8192), device::Hex(bytes));
-}
-
 TEST(RGBGamma, ReadsShowTheFpgaAndTheStoredValues) {
   device::Begin("fpga flash");
   device::PutFpga(0x700010, "1112131415");
@@ -160,44 +147,6 @@ TEST(RGBGamma, ReadsShowTheFpgaAndTheStoredValues) {
     EXPECT_EQ(device::Hex(reply.m_data), c.bytes) << std::hex << c.reg;
     EXPECT_EQ(trace.Take(), c.trace) << std::hex << c.reg;
   }
-}
-
-TEST(RGBGamma, FailedReadIsLoggedAndBringsNoData) {
-  device::Begin("none");
-  device::Log log(0);
-  const struct {
-    Fault fault;
-    std::uint32_t reg;
-    const char* name;
-  } kCases[] = {{Fault::kFpgaRead, 0x0E000000, "12BIT_RedGamma"},
-                {Fault::kFpgaRead, 0x0E102000, "10BIT_GreenGamma"},
-                {Fault::kFlashRead, 0x0E302000, "12BIT_GammaVal"},
-                {Fault::kFlashRead, 0x0E300000, "10BIT_GammaVal"}};
-  for (const auto& c : kCases) {
-    SetFaultCount(c.fault, 3);
-    const auto reply = inprocess::Read(c.reg, 1);
-    EXPECT_TRUE(reply.m_data.empty());
-    const std::string line = std::string("Error === Read_") + c.name + "Info ===Read " + c.name +
-                             " Info failed! ret = -1\n";
-    EXPECT_NE(log.Take().find(line), std::string::npos) << c.name;
-  }
-}
-
-TEST(RGBGamma, FailedPieceIsLoggedAndTheRestGoesOn) {
-  device::Begin("none");
-  device::Log log(0);
-  const GammaTable bytes = PowerTable(2.2, 12);
-  const auto& red = rgbgamma::TablesOf(Set::k12Bit)[0];
-  device::PutFlash(red.flash, std::string(16384, 'e').c_str());
-  SetFaultCount(Fault::kSkip, 7);  // the piece that ends the table
-  SetFaultCount(Fault::kFlashWrite, 3);
-  Upload(red, bytes);
-  EXPECT_EQ(
-      log.Take(),
-      "Error === Write_12BIT_RedGammaInfo ===12BIT_RedGamma info to flash failed. ret = -1\n");
-  const std::string expected = device::Hex(bytes).substr(0, 7 * 2048) + std::string(2048, 'e');
-  EXPECT_EQ(device::Flash(red.flash, 8192), expected);
-  EXPECT_EQ(device::Flash(red.tag, 4), kTag);
 }
 
 // A cut at any write of an upload to a fresh store leaves each colour whole or untagged.

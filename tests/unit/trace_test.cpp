@@ -110,19 +110,6 @@ TEST(Trace, LineIsCutBehind960Characters) {
   EXPECT_EQ(Today().back(), '\n');
 }
 
-TEST(Trace, RecorderPrintsEachKindOfValue) {
-  char buffer[1024];
-  CTrace::CLogRecorder recorder(buffer, sizeof buffer);
-  recorder << 'c' << uint8_t{200} << " " << short{-3} << " " << uint16_t{65535} << " " << -7 << " "
-           << 4000000000U << " " << -8L << " " << 9UL << " " << 1.5F << " " << -2.25 << " "
-           << reinterpret_cast<const void*>(0xABC);
-  EXPECT_STREQ(recorder, "c200 -3 65535 -7 4000000000 -8 9 1.500000 -2.250000 0xabc");
-  recorder.reset();
-  recorder << CTrace::hex << 255 << " " << 255 << " " << CTrace::hex << uint8_t{10} << 10 << " "
-           << CTrace::hex << CTrace::decimal << 255U;
-  EXPECT_STREQ(recorder, "ff 255 a10 255");
-}
-
 TEST(Trace, NewDayBeginsAFileBehindItsFirstLine) {
   Begin(0);
   Log("one");

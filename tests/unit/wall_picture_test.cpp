@@ -3,15 +3,12 @@
 
 #include <cmath>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <ostream>
 
 #include "support/wall_bytes.h"
 #include "wall/draw.h"
 #include "wall/palette.h"
 #include "wall/picture.h"
-#include "wall/text.h"
 #include "wall/words.h"
 
 namespace quivord::wall {
@@ -115,46 +112,6 @@ TEST(WallPicture, EveryCabinetBearsTheColourOfItsPort) {
   }
   cairo_surface_destroy(surface);
   std::filesystem::remove(file);
-}
-
-TEST(WallPicture, FilesAndFaults) {
-  EXPECT_EQ(FormatOf("a.jpg"), std::nullopt);
-  const Wall wall = SmartWall({.rows = 2, .columns = 2, .perCable = 4});
-  for (const Format format : {Format::kPng, Format::kSvg}) {
-    EXPECT_NE(Draw(wall, "/nowhere/at/all", format), "");
-  }
-  const std::filesystem::path file = std::filesystem::path(testing::TempDir()) / "wall.svg";
-  ASSERT_EQ(Draw(wall, file, Format::kSvg), "");
-  std::ifstream text(file);
-  const std::string svg{std::istreambuf_iterator<char>(text), {}};
-  EXPECT_NE(svg.find("<svg"), std::string::npos);
-  EXPECT_NE(svg.find("</svg>"), std::string::npos);
-  std::filesystem::remove(file);
-  EXPECT_TRUE(DrawObstacle(SmartWall({2, 2, 4, 0}, 0, 0)).has_value());
-}
-
-TEST(WallText, ShowsAWall) {
-  const Wall wall = SmartWall({.rows = 5, .columns = 3, .perCable = 5, .mode = 4});
-  const std::string text = ShowText(wall);
-  for (const char* line : {
-           "wall of 384 x 640 pixels, 15 cabinets of 128 x 128\n",
-           "5 rows and 3 columns, cabled bottom-left-rows (mode 4), 5 cabinets a cable\n",
-           "   2      3  384 x 256      0, 0          main\n",
-           "   9      6  384 x 256      0, 384        as port 0",
-       }) {
-    EXPECT_NE(text.find(line), std::string::npos) << text;
-  }
-  const auto json = ShowJson(wall);
-  EXPECT_EQ(json["kind"], "smart");
-  EXPECT_EQ(json["per_cable"], 5);
-  EXPECT_EQ(json["ports"][2]["window"]["height"], 256);
-  EXPECT_TRUE(json["ports"][2]["repeats"].is_null());
-  EXPECT_EQ(json["ports"][9]["repeats"], 0);
-}
-
-TEST(WallText, ListsOfPorts) {
-  EXPECT_EQ(ListText({1, 2}), "1, 2");
-  EXPECT_EQ(ListText({1, 2, 3, 5, 7, 8}), "1 to 3, 5, 7, 8");
 }
 
 }  // namespace

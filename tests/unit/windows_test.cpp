@@ -39,23 +39,6 @@ TEST(OutputResSet, SetsClockThenTimingThenStrobe) {
   EXPECT_EQ(support::Count(trace.Take(), "fpga W"), 2) << "also without a clock";
 }
 
-TEST(OutputResSet, RefusesWhatHasNoTiming) {
-  device::Begin("fpga clockchip");
-  support::Trace trace;
-  device::Log log;
-  struct Case {
-    uint16_t width, height;
-    unsigned rate;
-  };
-  constexpr Case kCases[] = {{1920, 1080, 0}, {1920, 1080, 99},     {0, 1080, 6000},
-                             {1920, 0, 6000}, {1920, 1080, 217400}, {1920, 1080, 4294967295}};
-  for (const Case& c : kCases) {
-    OutputResSet(0, c.width, c.height, c.rate);
-    EXPECT_NE(log.Take().find("no timing"), std::string::npos) << c.rate;
-  }
-  EXPECT_EQ(trace.Take(), "");
-}
-
 // Whatever the size and rate, the clock ends at 40 MHz or above, and active video is as large as
 // asked for. Sums past 16 bits wrap as the image's fields do.
 TEST(OutputTiming, ReachesItsLeastClock) {

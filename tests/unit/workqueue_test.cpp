@@ -90,17 +90,6 @@ TEST(WorkQueue, KeyWithoutAHandlerIsDropped) {
   EXPECT_EQ(inprocess::DrainQueue(), 4);
 }
 
-TEST(DataBlock, TakesWhatFits) {
-  auto block = std::make_unique<MCUProcessDataBlock>();
-  const std::string data(65536, 'd');
-  EXPECT_TRUE(block->setData(data.data(), 65535));
-  EXPECT_FALSE(block->setData(data.data(), 65536));
-  EXPECT_FALSE(block->setData(data.data(), -1));
-  EXPECT_FALSE(block->setData(nullptr, 1));
-  EXPECT_EQ(block->getDataLen(), 65535);
-  EXPECT_EQ(block->getData()[65534], 'd');
-}
-
 TEST(DataBlock, ContentIsPinned) {
   auto block = std::make_unique<MCUProcessDataBlock>();
   const std::vector<uint8_t> data = {0xD1, 0xD2, 0xD3};
