@@ -17,7 +17,7 @@ namespace draw = quivord::draw;
 
 Exit Show(Context& context) {
   const PlanRead read = ReadPlan(context);
-  if (read.answer.exit != Exit::kDone) return context.Fail(read.answer.exit, read.answer.text);
+  if (!read.answer.done()) return context.Fail(read.answer);
   context.out.Show(brightness::ShowText(read.plan, read.now),
                    brightness::ShowJson(read.plan, read.now));
   return Exit::kDone;
@@ -31,7 +31,7 @@ struct ExportWords {
 
 Exit Export(Context& context, const ExportWords& words) {
   const PlanRead read = ReadPlan(context);
-  if (read.answer.exit != Exit::kDone) return context.Fail(read.answer.exit, read.answer.text);
+  if (!read.answer.done()) return context.Fail(read.answer);
   if (read.plan.kind == brightness::Kind::kNone) {
     return context.Fail(Exit::kRefused, "there is no plan; quivordctl brightness plan sends one");
   }
@@ -73,7 +73,7 @@ int Today() {
 quivord::Result<brightness::Plan> WantedPlan(Context& context, const PreviewWords& words) {
   if (!words.plan.empty()) return LoadPlan(words.plan);
   const PlanRead read = ReadPlan(context);
-  if (read.answer.exit == Exit::kDone) return read.plan;
+  if (read.answer.done()) return read.plan;
   return quivord::Error{read.answer.exit == Exit::kWrongUse ? quivord::Trouble::kWrongUse
                                                             : quivord::Trouble::kNoDaemon,
                         read.answer.text};

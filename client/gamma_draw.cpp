@@ -20,8 +20,8 @@ Exit Draw(const Context& context, const Words& words) {
   quivord::colour::Scene scene;
   PictureMode mode;
   Answer answer = ReadGamma(*device, &scene.set);
-  if (answer.exit == Exit::kDone) answer = ReadMode(*device, &mode);
-  if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+  if (answer.done()) answer = ReadMode(*device, &mode);
+  if (!answer.done()) return context.Fail(answer);
   scene.mode = mode.set;
   scene.tables = mode.tables;
   const std::string fault = quivord::colour::Draw(scene, words.file, *format, words.scale);

@@ -56,7 +56,7 @@ Answer SendPieces(const Context& context, Device& device, rgbgamma::Set which,
     for (std::uint32_t at = 0; at < bytes.size(); at += kGammaPiece) {
       Answer answer =
           device.Send(table.reg + at, {bytes.begin() + at, bytes.begin() + at + kGammaPiece});
-      if (answer.exit != Exit::kDone) return answer;
+      if (!answer.done()) return answer;
       context.out.Progress("sent", ++sent, kPieces);
     }
   }
@@ -76,7 +76,7 @@ Answer SendExponent(Device& device, const Words& words) {
 Answer CheckLoaded(Device& device, const GammaSet& wanted) {
   GammaSet held;
   Answer answer = ReadGamma(device, &held);
-  if (answer.exit != Exit::kDone || held == wanted) return answer;
+  if (!answer.done() || held == wanted) return answer;
   return {Exit::kRefused, "the device took the set, but the FPGA doesn't hold it", {}};
 }
 
@@ -107,11 +107,11 @@ Exit Upload(const Context& context, const Words& words) {
   PictureMode mode;
   Answer answer = ReadMode(*device, &mode);
   const bool loads = mode.set.HDRType == ZEPH_MCUC::hc::kDefaultMode;
-  if (answer.exit == Exit::kDone) answer = SendPieces(context, *device, words.set(), set.value());
-  if (answer.exit == Exit::kDone) answer = SendExponent(*device, words);
-  if (answer.exit == Exit::kDone) answer = device->AwaitWork();
-  if (answer.exit == Exit::kDone && loads) answer = CheckLoaded(*device, set.value());
-  if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+  if (answer.done()) answer = SendPieces(context, *device, words.set(), set.value());
+  if (answer.done()) answer = SendExponent(*device, words);
+  if (answer.done()) answer = device->AwaitWork();
+  if (answer.done() && loads) answer = CheckLoaded(*device, set.value());
+  if (!answer.done()) return context.Fail(answer);
   context.out.Show(StoredText(words.depth, loads), {{"depth", words.depth}, {"loaded", loads}});
   return Exit::kDone;
 }

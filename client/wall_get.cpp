@@ -14,7 +14,7 @@ using Scope = WallDevice::Scope;
 
 Exit Show(Context& context) {
   const WallRead read = ReadWall(context, Scope::kAll);
-  if (read.answer.exit != Exit::kDone) return context.Fail(read.answer.exit, read.answer.text);
+  if (!read.answer.done()) return context.Fail(read.answer);
   context.out.Show(wall::ShowText(read.wall), wall::ShowJson(read.wall));
   return Exit::kDone;
 }
@@ -34,7 +34,7 @@ Answer ReadPattern(const Context& context, std::optional<wall::Pattern>* pattern
   const auto device = Device::Open(context, exit);
   if (device == nullptr) return {exit, "", {}};
   Answer answer = device->Read(registers::kBase, registers::kUsed);
-  if (answer.exit != Exit::kDone) return answer;
+  if (!answer.done()) return answer;
   *pattern = wall::UnderstandPattern(std::span(answer.data).first<registers::kUsed>());
   if (!pattern->has_value()) {
     return {Exit::kRefused, "no pattern to draw; 'quivordctl pattern' shows one", {}};
@@ -46,14 +46,14 @@ Exit Draw(Context& context, const DrawWords& words) {
   const auto format = wall::FormatOf(words.file);
   if (!format.has_value()) return context.Fail(Exit::kWrongUse, "FILE ends in .png or .svg");
   const WallRead read = ReadWall(context, Scope::kAll);
-  if (read.answer.exit != Exit::kDone) return context.Fail(read.answer.exit, read.answer.text);
+  if (!read.answer.done()) return context.Fail(read.answer);
   if (const auto obstacle = wall::DrawObstacle(read.wall)) {
     return context.Fail(Exit::kRefused, "nothing to draw: " + *obstacle);
   }
   std::optional<wall::Pattern> pattern;
   if (words.pattern) {
     const Answer answer = ReadPattern(context, &pattern);
-    if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+    if (!answer.done()) return context.Fail(answer);
   }
   const std::string fault = wall::Draw(read.wall, words.file, *format, words.scale, pattern);
   if (!fault.empty()) return context.Fail(Exit::kWrongUse, words.file + ": " + fault);
@@ -90,7 +90,7 @@ std::optional<std::string> ExportObstacle(const wall::Wall& now) {
 
 Exit Export(Context& context, const ExportWords& words) {
   const WallRead read = ReadWall(context, Scope::kRecord);
-  if (read.answer.exit != Exit::kDone) return context.Fail(read.answer.exit, read.answer.text);
+  if (!read.answer.done()) return context.Fail(read.answer);
   if (const auto obstacle = ExportObstacle(read.wall)) {
     return context.Fail(Exit::kRefused, *obstacle);
   }
