@@ -50,10 +50,6 @@ std::optional<cardfiles::Bytes> ReadLocal(const std::filesystem::path& path) {
   return cardfiles::Bytes{std::istreambuf_iterator<char>(file), {}};
 }
 
-std::string CountText(std::size_t count, const std::string& what) {
-  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
-}
-
 const Command kFilesCommand{
     "files",
     "Keep configuration files for the receiving cards on the device, and send them",

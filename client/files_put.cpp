@@ -1,6 +1,7 @@
 // Bringing files onto a device, and removing them.
 #include <algorithm>
 
+#include "counted.h"
 #include "files_commands.h"
 
 namespace ctl {
@@ -9,6 +10,7 @@ namespace {
 namespace cardfiles = quivord::cardfiles;
 using cardfiles::File;
 using cardfiles::Piece;
+using quivord::Counted;
 using Paths = std::vector<std::filesystem::path>;
 
 // The plain files of a folder by their names; hidden ones don't count.
@@ -82,7 +84,7 @@ Answer Compare(Device& device, const Piece& piece) {
 
 Answer Upload(const Context& context, Device& device, const std::vector<File>& files) {
   const auto pieces = cardfiles::Upload(files);
-  context.out.Step(CountText(files.size(), "file") + ", " + CountText(BytesOf(pieces), "byte"));
+  context.out.Step(Counted(files.size(), "file") + ", " + Counted(BytesOf(pieces), "byte"));
   Answer answer = ForEach(context, pieces, "sent",
                           [&](const Piece& piece) { return device.Send(piece.reg, piece.bytes); });
   if (answer.done()) answer = device.AwaitWork();
@@ -100,7 +102,7 @@ Exit Put(const Context& context, const std::vector<std::string>& words) {
   const Answer answer = Upload(context, *device, files.value());
   if (!answer.done()) return context.Fail(answer);
   nlohmann::json names = nlohmann::json::array();
-  std::string text = "the device keeps " + CountText(files.value().size(), "file") + ":";
+  std::string text = "the device keeps " + Counted(files.value().size(), "file") + ":";
   for (std::size_t i = 0; i < files.value().size(); ++i) {
     text += "\n  " + std::to_string(i) + "  " + files.value()[i].name;
     names.push_back(files.value()[i].name);

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <thread>
 
+#include "counted.h"
 #include "files_commands.h"
 #include "numbers.h"
 #include "table.h"
@@ -10,6 +11,7 @@ namespace ctl {
 namespace {
 
 namespace cardfiles = quivord::cardfiles;
+using quivord::Counted;
 namespace space = ZEPH_MCUC::cardfiles;
 using cardfiles::Entry;
 using std::chrono::milliseconds;
@@ -103,12 +105,12 @@ Exit Send(const Context& context, const std::string& word) {
     return context.Fail(Exit::kRefused, "not sent: " + name + ", " + verdict.fault);
   }
   const milliseconds pauses(verdict.pauses_ms / context.options.speed);
-  context.out.Step(name + ": " + CountText(verdict.packs, "pack") + ", about " +
+  context.out.Step(name + ": " + Counted(verdict.packs, "pack") + ", about " +
                    std::to_string((pauses.count() + 999) / 1000) + " s");
   const Answer answer = SendFile(context, *device, *number, pauses);
   if (!answer.done()) return context.Fail(answer);
   context.out.Show(
-      "sent to all cards: " + CountText(verdict.packs, "pack") + " of " + name,
+      "sent to all cards: " + Counted(verdict.packs, "pack") + " of " + name,
       {{"number", *number}, {"name", listed.entries[*number].name}, {"packs", verdict.packs}});
   return Exit::kDone;
 }

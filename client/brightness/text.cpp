@@ -6,6 +6,7 @@
 #include "brightness/check.h"
 #include "brightness/file.h"
 #include "brightness/words.h"
+#include "counted.h"
 #include "process/calc_time.h"
 
 namespace quivord::brightness {
@@ -14,10 +15,6 @@ namespace {
 constexpr int kWeekMinutes = 7 * 24 * 60;
 
 std::string Number(std::size_t number) { return std::to_string(number); }
-
-std::string Counted(std::size_t count, const char* noun) {
-  return Number(count) + " " + noun + (count == 1 ? "" : "s");
-}
 
 std::string PortsText(std::uint8_t mask) {
   std::string ports;
