@@ -1,8 +1,7 @@
 #include <cmath>
-#include <fstream>
-#include <iterator>
 
 #include "gamma_commands.h"
+#include "json/load.h"
 #include "picture_mode.h"
 #include "proto/calc_rgbgamma.h"
 
@@ -12,7 +11,6 @@ namespace {
 using quivord::colour::GammaSet;
 namespace rgbgamma = ZEPH_MCUC::rgbgamma;
 
-constexpr std::uintmax_t kMostFile = 1 << 20;  // three numbers a line and remarks
 constexpr std::size_t kPieces = 3 * ZEPH_MCUC::kGammaTableSize / kGammaPiece;
 
 struct Words {
@@ -23,26 +21,12 @@ struct Words {
   rgbgamma::Set set() const { return depth == 12 ? rgbgamma::Set::k12Bit : rgbgamma::Set::k10Bit; }
 };
 
-quivord::Result<GammaSet> ReadFile(const std::string& name) {
-  const auto wrong = [&name](const std::string& text) {
-    return quivord::Error{quivord::Trouble::kWrongUse, name + ": " + text};
-  };
-  std::error_code failed;
-  const std::uintmax_t size = std::filesystem::file_size(name, failed);
-  if (failed) return wrong(failed.message());
-  if (size > kMostFile) return wrong("far too large for gamma tables");
-  std::ifstream stream(name, std::ios::binary);
-  const std::string bytes{std::istreambuf_iterator<char>(stream), {}};
-  auto set = quivord::colour::ParseGamma(bytes);
-  if (!set) return wrong(set.error().text);
-  return set;
-}
-
 quivord::Result<GammaSet> WantedSet(const Words& words) {
   if (words.exponent.has_value() == !words.file.empty()) {
     return quivord::Error{quivord::Trouble::kWrongUse, "give a FILE or an --exponent"};
   }
-  if (!words.exponent.has_value()) return ReadFile(words.file);
+  if (!words.exponent.has_value())
+    return quivord::json::Load(words.file, "gamma tables", quivord::colour::ParseGamma);
   const auto table = ZEPH_MCUC::PowerTable(*words.exponent, words.depth);
   return GammaSet{table, table, table};
 }
