@@ -1,10 +1,10 @@
 
 #include "commands.h"
 #include "device.h"
+#include "drawing.h"
 #include "wall/draw.h"
 #include "wall/text.h"
 #include "wall_commands.h"
-#include "written_files.h"
 
 namespace ctl {
 namespace {
@@ -22,8 +22,7 @@ Exit Show(Context& context) {
 Run DeclareShow(CLI::App& /*app*/) { return Show; }
 
 struct DrawWords {
-  std::string file;
-  int scale = wall::kScale;
+  Drawing drawing;
   bool pattern = false;
 };
 
@@ -43,8 +42,8 @@ Answer ReadPattern(const Context& context, std::optional<wall::Pattern>* pattern
 }
 
 Exit Draw(Context& context, const DrawWords& words) {
-  const auto format = wall::FormatOf(words.file);
-  if (!format.has_value()) return context.Fail(Exit::kWrongUse, "FILE ends in .png or .svg");
+  const auto format = words.drawing.format();
+  if (!format.has_value()) return context.Fail(Exit::kWrongUse, kFormatRule);
   const WallRead read = ReadWall(context, Scope::kAll);
   if (!read.answer.done()) return context.Fail(read.answer);
   if (const auto obstacle = wall::DrawObstacle(read.wall)) {
@@ -55,27 +54,18 @@ Exit Draw(Context& context, const DrawWords& words) {
     const Answer answer = ReadPattern(context, &pattern);
     if (!answer.done()) return context.Fail(answer);
   }
-  const std::string fault = wall::Draw(read.wall, words.file, *format, words.scale, pattern);
-  if (!fault.empty()) return context.Fail(Exit::kWrongUse, words.file + ": " + fault);
-  context.out.Show("drew " + words.file, {{"file", words.file}});
-  return Exit::kDone;
+  return EndDrawing(
+      context, words.drawing,
+      wall::Draw(read.wall, words.drawing.file, *format, words.drawing.scale, pattern));
 }
 
 Run DeclareDraw(CLI::App& app) {
   const auto words = std::make_shared<DrawWords>();
-  WritesFile(app.add_option("FILE", words->file, "Where the picture goes; .png or .svg says which"))
-      ->required();
-  app.add_option("--scale", words->scale, "How fine a PNG is")
-      ->type_name("N")
-      ->check(CLI::Range(1, wall::kMostScale))
-      ->capture_default_str();
+  AddPictureFile(app, words->drawing);
+  AddPictureScale(app, words->drawing);
   app.add_flag("--pattern", words->pattern, "With the test pattern in place of the cables");
   return [words](Context& context) { return Draw(context, *words); };
 }
-
-struct ExportWords {
-  std::string file;
-};
 
 // Why a wall can't be a file.
 std::optional<std::string> ExportObstacle(const wall::Wall& now) {
@@ -88,7 +78,7 @@ std::optional<std::string> ExportObstacle(const wall::Wall& now) {
   return std::nullopt;
 }
 
-Exit Export(Context& context, const ExportWords& words) {
+Exit ExportWall(Context& context, const std::string& file) {
   const WallRead read = ReadWall(context, Scope::kRecord);
   if (!read.answer.done()) return context.Fail(read.answer);
   if (const auto obstacle = ExportObstacle(read.wall)) {
@@ -97,22 +87,10 @@ Exit Export(Context& context, const ExportWords& words) {
   const nlohmann::ordered_json object = read.wall.kind == wall::Kind::kSmart
                                             ? wall::SmartJson(read.wall.smart)
                                             : wall::AdvancedJson(read.wall.records);
-  const std::string text = object.dump(2);
-  if (words.file.empty()) {
-    context.out.Show(text, object);
-    return Exit::kDone;
-  }
-  const Exit written = WriteFile(context, words.file, text + '\n');
-  if (written != Exit::kDone) return written;
-  context.out.Show("wrote " + words.file, {{"file", words.file}});
-  return Exit::kDone;
+  return Export(context, file, object.dump(2), object);
 }
 
-Run DeclareExport(CLI::App& app) {
-  const auto words = std::make_shared<ExportWords>();
-  WritesFile(app.add_option("FILE", words->file, "Where it goes (default: standard output)"));
-  return [words](Context& context) { return Export(context, *words); };
-}
+Run DeclareExport(CLI::App& app) { return DeclareExporting(app, ExportWall); }
 
 }  // namespace
 
