@@ -12,8 +12,6 @@ namespace {
 namespace brightness = quivord::brightness;
 namespace table = ZEPH_MCUC::brightness;
 
-bool Done(const Answer& answer) { return answer.exit == Exit::kDone; }
-
 struct SetWords {
   std::string value;
 };
@@ -40,7 +38,7 @@ std::string OverruledBy(const Options& options, quivord::Client& client) {
   Options sender = options;
   sender.target = {};
   const Answer mode = ReadRegister(sender, client, table::kBase, 1);
-  if (!Done(mode) || mode.data.empty()) return {};
+  if (!mode.done() || mode.data.empty()) return {};
   const brightness::KindRow& row = brightness::RowOfMode(mode.data[0]);
   if (row.kind == brightness::Kind::kNone) return {};
   return "; the plan in force (" + std::string(row.word) + ") sets its own at its next step";
@@ -55,7 +53,7 @@ Exit Set(Context& context, const SetWords& words) {
   const auto client = context.Connect();
   if (!client) return context.Fail(client.error());
   const Answer answer = WriteRegister(options, *client.value(), table::kCardBrightness, {*value});
-  if (!Done(answer)) return context.Fail(answer.exit, answer.text);
+  if (!answer.done()) return context.Fail(answer);
   context.out.Show(
       CardsText(options.target) + " at " + brightness::BrightnessText(*value) +
           OverruledBy(options, *client.value()),
@@ -97,11 +95,11 @@ Exit SendPlan(Context& context, const PlanWords& words) {
   }
   BrightnessDevice device(context);
   Answer answer = device.Connect();
-  if (Done(answer)) {
+  if (answer.done()) {
     answer = device.WriteTable(
         bytes, [&](std::size_t sent) { context.out.Progress("sent", sent, bytes.size()); });
   }
-  if (!Done(answer)) return context.Fail(answer.exit, answer.text);
+  if (!answer.done()) return context.Fail(answer);
   SayPlan(context, plan.value(),
           "in force and stored: " + std::string(brightness::RowOf(plan.value().kind).text),
           bytes.size());

@@ -7,17 +7,16 @@
 #include "brightness/words.h"
 #include "brightness_commands.h"
 #include "commands.h"
-#include "written_files.h"
+#include "drawing.h"
 
 namespace ctl {
 namespace {
 
 namespace brightness = quivord::brightness;
-namespace draw = quivord::draw;
 
 Exit Show(Context& context) {
   const PlanRead read = ReadPlan(context);
-  if (read.answer.exit != Exit::kDone) return context.Fail(read.answer.exit, read.answer.text);
+  if (!read.answer.done()) return context.Fail(read.answer);
   context.out.Show(brightness::ShowText(read.plan, read.now),
                    brightness::ShowJson(read.plan, read.now));
   return Exit::kDone;
@@ -25,40 +24,23 @@ Exit Show(Context& context) {
 
 Run DeclareShow(CLI::App& /*app*/) { return Show; }
 
-struct ExportWords {
-  std::string file;
-};
-
-Exit Export(Context& context, const ExportWords& words) {
+Exit ExportPlan(Context& context, const std::string& file) {
   const PlanRead read = ReadPlan(context);
-  if (read.answer.exit != Exit::kDone) return context.Fail(read.answer.exit, read.answer.text);
+  if (!read.answer.done()) return context.Fail(read.answer);
   if (read.plan.kind == brightness::Kind::kNone) {
     return context.Fail(Exit::kRefused, "there is no plan; quivordctl brightness plan sends one");
   }
-  const std::string text = brightness::FileText(read.plan);
-  if (words.file.empty()) {
-    context.out.Show(text, brightness::PlanJson(read.plan));
-    return Exit::kDone;
-  }
-  const Exit written = WriteFile(context, words.file, text + '\n');
-  if (written != Exit::kDone) return written;
-  context.out.Show("wrote " + words.file, {{"file", words.file}});
-  return Exit::kDone;
+  return Export(context, file, brightness::FileText(read.plan), brightness::PlanJson(read.plan));
 }
 
-Run DeclareExport(CLI::App& app) {
-  const auto words = std::make_shared<ExportWords>();
-  WritesFile(app.add_option("FILE", words->file, "Where it goes (default: standard output)"));
-  return [words](Context& context) { return Export(context, *words); };
-}
+Run DeclareExport(CLI::App& app) { return DeclareExporting(app, ExportPlan); }
 
 struct PreviewWords {
-  std::string file;
+  Drawing drawing;
   std::string plan;
   std::string day;
   bool week = false;
   std::uint16_t noon = 0;
-  int scale = draw::kScale;
 };
 
 // Today as this computer counts it, 0 for Monday.
@@ -73,15 +55,15 @@ int Today() {
 quivord::Result<brightness::Plan> WantedPlan(Context& context, const PreviewWords& words) {
   if (!words.plan.empty()) return LoadPlan(words.plan);
   const PlanRead read = ReadPlan(context);
-  if (read.answer.exit == Exit::kDone) return read.plan;
+  if (read.answer.done()) return read.plan;
   return quivord::Error{read.answer.exit == Exit::kWrongUse ? quivord::Trouble::kWrongUse
                                                             : quivord::Trouble::kNoDaemon,
                         read.answer.text};
 }
 
 Exit Preview(Context& context, const PreviewWords& words) {
-  const auto format = draw::FormatOf(words.file);
-  if (!format.has_value()) return context.Fail(Exit::kWrongUse, "FILE ends in .png or .svg");
+  const auto format = words.drawing.format();
+  if (!format.has_value()) return context.Fail(Exit::kWrongUse, kFormatRule);
   const auto day = words.day.empty() ? std::optional<std::uint8_t>(words.week ? 0 : Today())
                                      : brightness::ParseDay(words.day);
   if (!day.has_value()) {
@@ -95,17 +77,14 @@ Exit Preview(Context& context, const PreviewWords& words) {
   const std::uint16_t noon = words.noon != 0 ? words.noon : brightness::NoonOf(plan.value());
   const auto course =
       brightness::CourseOf(plan.value(), *day, words.week ? brightness::kWeekDays : 1, noon);
-  const std::string fault =
-      brightness::Draw(plan.value(), course, {words.file, *format, words.scale});
-  if (!fault.empty()) return context.Fail(Exit::kWrongUse, words.file + ": " + fault);
-  context.out.Show("drew " + words.file, {{"file", words.file}});
-  return Exit::kDone;
+  return EndDrawing(
+      context, words.drawing,
+      brightness::Draw(plan.value(), course, {words.drawing.file, *format, words.drawing.scale}));
 }
 
 Run DeclarePreview(CLI::App& app) {
   const auto words = std::make_shared<PreviewWords>();
-  WritesFile(app.add_option("FILE", words->file, "Where the picture goes; .png or .svg says which"))
-      ->required();
+  AddPictureFile(app, words->drawing);
   app.add_option("--plan", words->plan, "A plan's file (default: what the device holds)")
       ->type_name("FILE");
   app.add_flag("--week", words->week, "A week, a row a day");
@@ -115,10 +94,7 @@ Run DeclarePreview(CLI::App& app) {
                  "Light at noon that the sensor is taken to see (default: where its map ends)")
       ->type_name("LUX")
       ->check(CLI::Range(1, 65534));
-  app.add_option("--scale", words->scale, "How fine a PNG is")
-      ->type_name("N")
-      ->check(CLI::Range(1, draw::kMostScale))
-      ->capture_default_str();
+  AddPictureScale(app, words->drawing);
   return [words](Context& context) { return Preview(context, *words); };
 }
 

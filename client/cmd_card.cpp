@@ -29,7 +29,7 @@ Exit ShowSize(Context& context) {
   const auto client = context.Connect();
   if (!client) return context.Fail(client.error());
   const Answer answer = ReadRegister(context.options, *client.value(), kSizeRegister, 4);
-  if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+  if (!answer.done()) return context.Fail(answer);
   if (answer.data.size() != 4) return context.Fail(Exit::kRefused, "the card's answer is short");
   const std::uint16_t width = DWQ_DECWD(&answer.data[0]);
   const std::uint16_t height = DWQ_DECWD(&answer.data[2]);
@@ -45,11 +45,11 @@ Exit ShowLux(Context& context, unsigned sensor) {
   const auto request = SensorRequest(static_cast<std::uint8_t>(sensor));
   const Answer asked = WriteRegister(context.options, *client.value(), kCardSensor,
                                      {request.begin(), request.end()});
-  if (asked.exit != Exit::kDone) return context.Fail(asked.exit, asked.text);
+  if (!asked.done()) return context.Fail(asked);
   std::this_thread::sleep_for(kSensorPause);
   const Answer answer =
       ReadRegister(context.options, *client.value(), kCardSensor, kSensorReplySize);
-  if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+  if (!answer.done()) return context.Fail(answer);
   if (answer.data.size() != kSensorReplySize) {
     return context.Fail(Exit::kRefused, "the card's answer is short");
   }

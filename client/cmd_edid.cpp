@@ -39,8 +39,6 @@ CLI::Option* DeclareGroup(CLI::App& app, Words& words) {
       ->check(CLI::Range(0, kReachableGroups - 1));
 }
 
-bool Done(const Answer& answer) { return answer.exit == Exit::kDone; }
-
 // Connects, selects the group of the command line, runs `work(device, group)` and puts the input
 // back.
 template <class Work>
@@ -51,10 +49,10 @@ Exit OnGroup(const Context& context, const Words& words, Work work) {
   std::uint8_t group = 0;
   Answer answer = words.group ? device->Select(static_cast<std::uint8_t>(*words.group))
                               : device->Current(group);
-  if (!Done(answer)) return context.Fail(answer.exit, answer.text);
+  if (!answer.done()) return context.Fail(answer);
   exit = work(*device, words.group ? static_cast<std::uint8_t>(*words.group) : group);
   answer = device->PutBack();
-  return Done(answer) ? exit : context.Fail(answer.exit, answer.text);
+  return answer.done() ? exit : context.Fail(answer);
 }
 
 // The EDID in a file: 128 bytes or 256, or the first 256 of more.
@@ -94,7 +92,7 @@ Exit Show(Context& context, const Words& words) {
   return OnGroup(context, words, [&](EdidDevice& device, int group) {
     EdidImage image{};
     const Answer answer = device.Read(image);
-    if (!Done(answer)) return context.Fail(answer.exit, answer.text);
+    if (!answer.done()) return context.Fail(answer);
     if (!HasEdid(image)) return context.Fail(Exit::kRefused, kNothingShown);
     ShowFacts(context, image, group);
     return Exit::kDone;
@@ -111,11 +109,11 @@ Exit Send(const Context& context, EdidDevice& device, int group, const EdidImage
           const VideoMode& mode) {
   EdidImage before{};
   Answer answer = device.Read(before);
-  if (!Done(answer)) return context.Fail(answer.exit, answer.text);
+  if (!answer.done()) return context.Fail(answer);
   if (!HasEdid(before))
     return context.Fail(Exit::kRefused, std::string("not sent: ") + kNothingShown);
   answer = device.Write(image, mode);
-  if (!Done(answer)) {
+  if (!answer.done()) {
     const std::string shown = answer.data.empty() ? answer.text
                                                   : "sent, but after 5 seconds the input shows " +
                                                         FirstTiming(answer.data);
@@ -172,7 +170,7 @@ Exit Save(Context& context, const Words& words) {
   return OnGroup(context, words, [&](EdidDevice& device, int group) {
     EdidImage image{};
     const Answer answer = device.Read(image);
-    if (!Done(answer)) return context.Fail(answer.exit, answer.text);
+    if (!answer.done()) return context.Fail(answer);
     if (!HasEdid(image)) return context.Fail(Exit::kRefused, kNothingShown);
     const Exit written = WriteFile(context, words.file, image);
     if (written != Exit::kDone) return written;

@@ -97,7 +97,7 @@ Exit ShowAll(const Context& context) {
   if (device == nullptr) return exit;
   FeaturePage page;
   const Answer answer = device->ReadPage(page);
-  if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+  if (!answer.done()) return context.Fail(answer);
   context.out.Show(PageText(page), PageJson(page));
   return Exit::kDone;
 }
@@ -129,7 +129,7 @@ Exit ShowOne(const Context& context, const FeatureRegister& row, bool details) {
   const auto device = Device::Open(context, exit);
   if (device == nullptr) return exit;
   const Answer answer = device->Read(row);
-  if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+  if (!answer.done()) return context.Fail(answer);
   context.out.Show(details ? Details(row, answer.data) : FeatureText(row, answer.data),
                    DetailsJson(row, answer.data));
   return Exit::kDone;

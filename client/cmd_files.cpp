@@ -23,9 +23,9 @@ Run Declare(CLI::App& app) {
 
 Listed ListFiles(Device& device) {
   const Answer header = ReadImage(device, 0, cardfiles::kHeaderBytes);
-  if (header.exit != Exit::kDone) return {header, {}};
+  if (!header.done()) return {header, {}};
   const Answer names = ReadImage(device, space::kNames - space::kBase, cardfiles::kNamesBytes);
-  if (names.exit != Exit::kDone) return {names, {}};
+  if (!names.done()) return {names, {}};
   return {{}, cardfiles::Entries(header.data, names.data)};
 }
 
@@ -35,7 +35,7 @@ Answer ReadImage(Device& device, std::uint32_t offset, std::size_t length) {
     const auto at = static_cast<std::uint32_t>(all.data.size());
     const Answer part = device.ReadBytes(space::kBase + offset + at,
                                          std::min(cardfiles::kPiece, length - all.data.size()));
-    if (part.exit != Exit::kDone) return part;
+    if (!part.done()) return part;
     all.data.insert(all.data.end(), part.data.begin(), part.data.end());
   }
   return all;
@@ -48,10 +48,6 @@ std::optional<cardfiles::Bytes> ReadLocal(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
   if (!file) return std::nullopt;
   return cardfiles::Bytes{std::istreambuf_iterator<char>(file), {}};
-}
-
-std::string CountText(std::size_t count, const std::string& what) {
-  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
 }
 
 const Command kFilesCommand{

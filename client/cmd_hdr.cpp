@@ -69,7 +69,7 @@ nlohmann::json ModeJson(const PictureMode& mode) {
 Exit Say(const Context& context, Device& device) {
   PictureMode mode;
   const Answer answer = ReadMode(device, &mode);
-  if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+  if (!answer.done()) return context.Fail(answer);
   context.out.Show(ModeText(mode), ModeJson(mode));
   return Exit::kDone;
 }
@@ -94,14 +94,14 @@ Exit Choose(const Context& context, std::uint8_t type, const std::vector<Paramet
   const auto device = Device::Open(context, exit);
   if (device == nullptr) return exit;
   Answer answer = ChooseMode(*device, type);
-  if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+  if (!answer.done()) return context.Fail(answer);
   for (const Parameter& parameter : parameters) {
     if (!parameter.value.has_value()) continue;
     answer = device->Send(hc::kBase + parameter.offset, BytesOf(parameter));
-    if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+    if (!answer.done()) return context.Fail(answer);
   }
   answer = device->AwaitWork();
-  if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+  if (!answer.done()) return context.Fail(answer);
   return Say(context, *device);
 }
 

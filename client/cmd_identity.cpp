@@ -57,7 +57,7 @@ Exit Show(const Context& context) {
   const auto device = Device::Open(context, exit);
   if (device == nullptr) return exit;
   const Answer area = device->ReadBytes(kIdentity, basicinfo::kSize);
-  if (area.exit != Exit::kDone) return context.Fail(area.exit, area.text);
+  if (!area.done()) return context.Fail(area);
   const std::string mac = MacOf(area.data);
   const std::string serial = SerialOf(area.data);
   const std::string model = ModelOf(area.data);
@@ -109,7 +109,7 @@ struct Setting {
 Answer Set(Device& device, const Setting& setting) {
   const Bytes& bytes = setting.bytes;
   Answer answer = device.ReadBytes(kIdentity, basicinfo::kSize);
-  if (answer.exit != Exit::kDone) return answer;
+  if (!answer.done()) return answer;
   std::copy(bytes.begin(), bytes.end(), answer.data.begin() + setting.begin);
   answer =
       device.Write({.address = kIdentity + setting.written,
@@ -117,7 +117,7 @@ Answer Set(Device& device, const Setting& setting) {
                     .shown_at = kIdentity + setting.begin,
                     .shown_length = static_cast<std::uint16_t>(bytes.size()),
                     .shows = [&bytes](auto shown) { return std::ranges::equal(shown, bytes); }});
-  if (answer.exit != Exit::kDone && !answer.data.empty()) {
+  if (!answer.done() && !answer.data.empty()) {
     answer.text = "written, but after " + std::to_string(kSettleTime.count()) +
                   " seconds it reads " + HexText(answer.data);
   }
@@ -160,13 +160,13 @@ Exit Change(const Context& context, const Words& words) {
     object["serial"] = HexText(wanted.serial);
     lines.push_back("serial number is " + HexText(wanted.serial));
   }
-  if (!wanted.mac.empty() && answer.exit == Exit::kDone) {
+  if (!wanted.mac.empty() && answer.done()) {
     // The byte in front of the address stays.
     answer = Set(*device, {basicinfo::kMac + 1, wanted.mac, basicinfo::kMac, basicinfo::kMacBytes});
     object["mac"] = MacText(wanted.mac);
     lines.push_back("MAC address is " + MacText(wanted.mac) + " from the next boot on");
   }
-  if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+  if (!answer.done()) return context.Fail(answer);
   context.out.Show(lines.front() + (lines.size() > 1 ? "\n" + lines.back() : ""), object);
   return Exit::kDone;
 }

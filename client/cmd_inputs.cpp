@@ -11,8 +11,6 @@ namespace {
 using namespace ZEPH_MCUC;
 namespace video = quivord::video;
 
-bool Done(const Answer& answer) { return answer.exit == Exit::kDone; }
-
 struct Input {
   std::uint8_t group;
   std::uint8_t source_id;
@@ -23,8 +21,8 @@ Answer ReadGroups(EdidDevice& device, std::vector<Input>& inputs) {
   for (std::uint8_t group = 0; group < kReachableGroups; ++group) {
     EdidImage image{};
     Answer answer = device.Select(group);
-    if (Done(answer)) answer = device.Read(image);
-    if (!Done(answer)) return answer;
+    if (answer.done()) answer = device.Read(image);
+    if (!answer.done()) return answer;
     inputs.push_back({group, SourceIdOfGroup(group), std::nullopt});
     if (HasEdid(image)) inputs.back().facts = video::ReadEdid(image);
   }
@@ -60,10 +58,10 @@ Exit Look(Context& context) {
   if (device == nullptr) return exit;
   std::vector<Input> inputs;
   Answer answer = device->Detect();
-  if (Done(answer)) answer = ReadGroups(*device, inputs);
+  if (answer.done()) answer = ReadGroups(*device, inputs);
   const Answer back = device->PutBack();
-  if (Done(answer)) answer = back;
-  if (!Done(answer)) return context.Fail(answer.exit, answer.text);
+  if (answer.done()) answer = back;
+  if (!answer.done()) return context.Fail(answer);
   Print(context, inputs);
   return Exit::kDone;
 }

@@ -38,7 +38,7 @@ Answer AskCard(Device& device, int port, std::uint8_t wanted) {
   const std::string name = "the first card of port " + std::to_string(port);
   while (true) {
     Answer answer = device.ReadBehind(card, kCardMapping, 1);
-    if (answer.exit != Exit::kDone || answer.data.size() != 1) {
+    if (!answer.done() || answer.data.size() != 1) {
       return {Exit::kRefused, name + " doesn't answer", {}};
     }
     if (answer.data[0] == wanted) return {Exit::kDone, name, {}};
@@ -55,8 +55,8 @@ Answer AskCard(Device& device, int port, std::uint8_t wanted) {
 // Sends it to all cards, then reads what the ports are like.
 Answer SendMapping(Device& device, bool on, FeaturePage& page) {
   Answer answer = device.Send(kMapping, {on ? std::uint8_t{1} : std::uint8_t{0}});
-  if (answer.exit == Exit::kDone) answer = device.AwaitWork();
-  return answer.exit == Exit::kDone ? device.ReadPage(page) : answer;
+  if (answer.done()) answer = device.AwaitWork();
+  return answer.done() ? device.ReadPage(page) : answer;
 }
 
 Exit Mapping(const Context& context, bool on) {
@@ -65,7 +65,7 @@ Exit Mapping(const Context& context, bool on) {
   if (device == nullptr) return exit;
   FeaturePage page;
   Answer answer = SendMapping(*device, on, page);
-  if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+  if (!answer.done()) return context.Fail(answer);
   const std::string state = on ? "on" : "off";
   const auto port = LinkedPort(page);
   if (!port.has_value()) {
@@ -74,7 +74,7 @@ Exit Mapping(const Context& context, bool on) {
     return Exit::kDone;
   }
   answer = AskCard(*device, *port, on ? kCardOn : kCardOff);
-  if (answer.exit != Exit::kDone) {
+  if (!answer.done()) {
     return context.Fail(answer.exit, "mapping " + state + " was sent, but " + answer.text);
   }
   context.out.Show("mapping is " + state + ", says " + answer.text,

@@ -16,7 +16,7 @@ Exit Show(const Context& context) {
   const auto device = Device::Open(context, exit);
   if (device == nullptr) return exit;
   const Answer answer = device->Read(Row());
-  if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+  if (!answer.done()) return context.Fail(answer);
   const std::string state = ZEPH_MCUC::FeatureText(Row(), answer.data);
   context.out.Show("output is " + state, {{kMember, state}});
   return Exit::kDone;

@@ -39,7 +39,7 @@ constexpr Places kBlockPlaces{pattern::kBlocks,
 
 Answer ReadImage(Device& device, Image* image) {
   const Answer answer = device.ReadBytes(pattern::kBase, image->size());
-  if (answer.exit == Exit::kDone) std::copy(answer.data.begin(), answer.data.end(), image->begin());
+  if (answer.done()) std::copy(answer.data.begin(), answer.data.end(), image->begin());
   return answer;
 }
 
@@ -82,7 +82,7 @@ Exit Send(const Context& context, Device& device, Image image) {
                     .shown_at = CellRegister(pattern::kBus + pattern::kType),
                     .shown_length = static_cast<std::uint16_t>(pattern::kUsed - pattern::kType),
                     .shows = same});
-  if (answer.exit == Exit::kDone) return Say(context, image);
+  if (answer.done()) return Say(context, image);
   return context.Fail(answer.exit,
                       answer.text.empty() ? "the FPGA doesn't show the pattern" : answer.text);
 }
@@ -95,7 +95,7 @@ Exit Modify(const Context& context, Change change) {
   if (device == nullptr) return exit;
   Image image{};
   const Answer answer = ReadImage(*device, &image);
-  if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+  if (!answer.done()) return context.Fail(answer);
   return change(*device, &image);
 }
 

@@ -67,7 +67,7 @@ Exit Set(const Context& context, Device& device, const Colour& colour) {
                     .shown_at = hc::kBase + hc::kColour,
                     .shown_length = hc::kColourRead,
                     .shows = same});
-  if (answer.exit == Exit::kDone) {
+  if (answer.done()) {
     context.out.Show(ColourText(colour) + "\n" + kNotKept, ColourJson(colour, true));
     return Exit::kDone;
   }
@@ -81,7 +81,7 @@ Exit Do(const Context& context, const Words& words) {
   const auto device = Device::Open(context, exit);
   if (device == nullptr) return exit;
   const Answer answer = device->ReadBytes(hc::kBase + hc::kColour, hc::kColourRead);
-  if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+  if (!answer.done()) return context.Fail(answer);
   const Colour shown = ColourOf(answer.data);
   const bool set = !IsZero(shown);
   const Colour now = set ? shown : Colour{};  // the neutral values are as good a guess as any

@@ -22,7 +22,7 @@ Exit Read(Context& context, const Words& words) {
   const auto place = static_cast<std::uint32_t>(*address);
   const Answer answer =
       ReadRegister(context.options, *client.value(), place, static_cast<std::uint16_t>(*length));
-  if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+  if (!answer.done()) return context.Fail(answer);
   context.out.Show(
       answer.data.empty() ? answer.text : HexDump(place, answer.data),
       {{"address", place}, {"length", answer.data.size()}, {"data", HexText(answer.data)}});

@@ -85,7 +85,7 @@ class Follower {
   Answer AwaitFpga(Device& device, FeaturePage& page) {
     while (steady_clock::now() < deadline_) {
       const Answer answer = device.ReadPage(page);
-      if (answer.exit != Exit::kDone || page.Restored()) return answer;
+      if (!answer.done() || page.Restored()) return answer;
       Wait();
     }
     return {Exit::kNoAnswer, "the device answers again, but its FPGA hasn't loaded", {}};
@@ -110,18 +110,18 @@ Answer Follow(const Context& context, const Words& words, std::uint8_t type, Kep
   if (!client) return {Exit::kNoAnswer, client.error().text, {}};
   Follower follower(context, seconds(static_cast<long>(words.limit_s)));
   Answer answer = WriteRegister(context.options, *client.value(), kReset, {type});
-  if (answer.exit != Exit::kDone) return answer;
+  if (!answer.done()) return answer;
   context.out.Step("asked for");
   answer = follower.AwaitEnd(*client.value());
-  if (answer.exit != Exit::kDone) return answer;
+  if (!answer.done()) return answer;
   context.out.Step("rebooting");
   answer = follower.AwaitAnswer();
-  if (answer.exit != Exit::kDone) return answer;
+  if (!answer.done()) return answer;
   context.out.Step("answering again, its FPGA is loading");
   const auto device = Device::Open(context, answer.exit);
   if (device == nullptr) return answer;
   answer = follower.AwaitFpga(*device, now.page);
-  return answer.exit == Exit::kDone ? ReadKept(*device, now) : answer;
+  return answer.done() ? ReadKept(*device, now) : answer;
 }
 
 Answer Before(const Context& context, Kept& before) {
@@ -138,15 +138,15 @@ Exit Reset(const Context& context, const Words& words) {
   Kept before;
   Kept now;
   Answer answer = Before(context, before);
-  if (answer.exit != Exit::kDone && answer.text.empty()) return answer.exit;  // has been said
-  if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+  if (!answer.done() && answer.text.empty()) return answer.exit;  // has been said
+  if (!answer.done()) return context.Fail(answer);
   if (!Confirmed(context, words, *type)) {
     return context.Fail(Exit::kWrongUse, "not confirmed, nothing was sent; --yes confirms");
   }
   const auto begin = steady_clock::now();
   answer = Follow(context, words, *type, now);
-  if (answer.exit != Exit::kDone && answer.text.empty()) return answer.exit;
-  if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+  if (!answer.done() && answer.text.empty()) return answer.exit;
+  if (!answer.done()) return context.Fail(answer);
   const std::chrono::duration<double> taken = steady_clock::now() - begin;
   const ResetReport report = ReportReset(*type, before, now);
   context.out.Show("reset of type " + ResetTypeText(*type) + " done in " +

@@ -14,8 +14,8 @@ Exit Do(const Context& context, std::uint32_t address, const char* done) {
   const auto device = Device::Open(context, exit);
   if (device == nullptr) return exit;
   Answer answer = device->Send(address, {1});
-  if (answer.exit == Exit::kDone) answer = device->AwaitWork();
-  if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+  if (answer.done()) answer = device->AwaitWork();
+  if (!answer.done()) return context.Fail(answer);
   context.out.Show(done, {{"done", done}});
   return Exit::kDone;
 }

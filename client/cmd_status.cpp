@@ -169,7 +169,7 @@ Exit Status(const Context& context) {
   if (device == nullptr) return exit;
   FeaturePage page;
   const Answer answer = device->ReadPage(page);
-  if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+  if (!answer.done()) return context.Fail(answer);
   const State state = StateOf(page);
   context.out.Show(BoardText(context.options, state) + "\n\n" + PortsText(state),
                    StateJson(context.options, state));

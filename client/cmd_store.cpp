@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "commands.h"
+#include "counted.h"
 #include "numbers.h"
 #include "option_words.h"
 #include "proto/calc_flashmap.h"
@@ -16,6 +17,7 @@
 namespace ctl {
 namespace {
 
+using quivord::Counted;
 using ZEPH_MCUC::FlashRegion;
 using ZEPH_MCUC::flash::kStoreSize;
 using Bytes = std::vector<std::uint8_t>;
@@ -38,10 +40,6 @@ constexpr char kPlaceRule[] =
     "the place in a store is a region's name, as 'quivordctl store dump' shows them, or an address "
     "below 0x1000000";
 constexpr char kLengthRule[] = "LENGTH is a number of bytes from 1 up that ends inside the 16 MiB";
-
-std::string Count(std::size_t bytes) {
-  return std::to_string(bytes) + (bytes == 1 ? " byte" : " bytes");
-}
 
 // Whose bytes these are, in words.
 std::string NameOf(std::uint32_t address, std::size_t length) {
@@ -166,7 +164,7 @@ Exit Get(const Context& context, const Words& words) {
   exit = WriteFile(context, words.file, *bytes);
   if (exit != Exit::kDone) return exit;
   object["file"] = words.file;
-  context.out.Show(Count(place.length) + " from " + AddressText(place.address) + " (" +
+  context.out.Show(Counted(place.length, "byte") + " from " + AddressText(place.address) + " (" +
                        NameOf(place.address, place.length) + ") in " + words.file,
                    object);
   return Exit::kDone;
@@ -198,11 +196,11 @@ Exit Put(const Context& context, const Words& words) {
   const Bytes bytes = BytesToPut(words, fault);
   const Place place = fault.empty() ? FindPlace(words, fault) : Place{};
   if (fault.empty() && place.length != 0 && bytes.size() > place.length) {
-    fault = Count(bytes.size()) + " do not fit into " + words.place + ", which has " +
+    fault = Counted(bytes.size(), "byte") + " do not fit into " + words.place + ", which has " +
             std::to_string(place.length);
   }
   if (fault.empty() && bytes.size() > kStoreSize - place.address) {
-    fault = Count(bytes.size()) + " from " + AddressText(place.address) +
+    fault = Counted(bytes.size(), "byte") + " from " + AddressText(place.address) +
             " end behind the store's 16 MiB";
   }
   if (!fault.empty()) return context.Fail(Exit::kWrongUse, fault);
@@ -212,8 +210,8 @@ Exit Put(const Context& context, const Words& words) {
     return context.Fail(Exit::kRefused, "the store can't be written");
   }
   const std::string name = NameOf(place.address, bytes.size());
-  context.out.Show(Count(bytes.size()) + " put at " + AddressText(place.address) + " (" + name +
-                       ") of the " + words.store + " store",
+  context.out.Show(Counted(bytes.size(), "byte") + " put at " + AddressText(place.address) + " (" +
+                       name + ") of the " + words.store + " store",
                    {{"address", place.address}, {"length", bytes.size()}, {"region", name}});
   return Exit::kDone;
 }

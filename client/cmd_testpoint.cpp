@@ -36,9 +36,9 @@ Exit TestPoint(const Context& context, const Words& words) {
                                     .shown_at = kCells + cell,
                                     .shown_length = 1,
                                     .shows = [byte](auto shown) { return shown[0] == byte; }});
-  if (now.exit != Exit::kDone && now.data.empty()) return context.Fail(now.exit, now.text);
+  if (!now.done() && now.data.empty()) return context.Fail(now);
   const std::string shown = "cell " + AddressText(cell) + " reads " + HexText(now.data);
-  if (now.exit != Exit::kDone) {
+  if (!now.done()) {
     return context.Fail(now.exit, "written, but after " + std::to_string(kSettleTime.count()) +
                                       " seconds " + shown + "; status cells take no write");
   }

@@ -38,7 +38,7 @@ Exit Show(const Context& context) {
   const auto device = Device::Open(context, exit);
   if (device == nullptr) return exit;
   const Answer answer = device->Read(Row());
-  if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+  if (!answer.done()) return context.Fail(answer);
   const std::string time = ZEPH_MCUC::TimeText(answer.data);
   const std::string weekday = Weekday(answer.data);
   context.out.Show(time + " (" + weekday + ")", {{kMember, time}, {"weekday", weekday}});

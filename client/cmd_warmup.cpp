@@ -38,7 +38,7 @@ Exit Set(const Context& context, Device& device, std::vector<std::uint8_t> setti
                     .shows = [setting](std::span<const std::uint8_t> shown) {
                       return std::equal(shown.begin(), shown.end(), setting.begin(), setting.end());
                     }});
-  if (answer.exit == Exit::kDone) {
+  if (answer.done()) {
     context.out.Show(Text(setting) + "\n" + kNothingStarts, Json(setting));
     return Exit::kDone;
   }
@@ -52,7 +52,7 @@ Exit Do(const Context& context, const Words& words) {
   const auto device = Device::Open(context, exit);
   if (device == nullptr) return exit;
   const Answer answer = device->ReadBytes(kRegister, hc::kWarmUpBytes);
-  if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+  if (!answer.done()) return context.Fail(answer);
   std::vector<std::uint8_t> setting = answer.data;
   if (!words.mode && !words.time) {
     context.out.Show(Text(setting), Json(setting));

@@ -24,7 +24,7 @@ Exit Write(Context& context, const Words& words) {
   const auto client = context.Connect();
   if (!client) return context.Fail(client.error());
   const Answer answer = WriteRegister(context.options, *client.value(), place, std::move(*bytes));
-  if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+  if (!answer.done()) return context.Fail(answer);
   context.out.Show(answer.text, {{"address", place}, {"length", length}});
   return Exit::kDone;
 }

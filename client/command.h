@@ -22,6 +22,8 @@ enum class Exit : int {
 // The status that goes with a trouble of the bus.
 Exit ExitFor(quivord::Trouble trouble);
 
+struct Answer;  // of a device, register.h
+
 // Everything a command works with while it runs.
 struct Context {
   const Options& options;
@@ -34,6 +36,7 @@ struct Context {
 
   // Says on standard error what went wrong, and gives the exit status that goes with it.
   Exit Fail(const quivord::Error& error) const;
+  Exit Fail(const Answer& answer) const;
   Exit Fail(Exit exit, const std::string& text) const;
 };
 

@@ -1,4 +1,5 @@
 #include "command.h"
+#include "register.h"
 
 namespace ctl {
 
@@ -26,6 +27,8 @@ quivord::Result<std::unique_ptr<quivord::Client>> Context::Connect(
 Exit Context::Fail(const quivord::Error& error) const {
   return Fail(ExitFor(error.trouble), error.text);
 }
+
+Exit Context::Fail(const Answer& answer) const { return Fail(answer.exit, answer.text); }
 
 Exit Context::Fail(Exit exit, const std::string& text) const {
   const char* const next = exit == Exit::kNoAnswer ? "; 'quivordctl doctor' looks why" : "";

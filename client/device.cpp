@@ -52,7 +52,7 @@ Answer Device::ReadPage(FeaturePage& page) {
   for (const Stretch& stretch : kStretches) {
     const auto length = static_cast<std::uint16_t>(stretch.end - stretch.begin);
     Answer answer = ReadBytes(stretch.base + stretch.begin, length);
-    if (answer.exit != Exit::kDone) return answer;
+    if (!answer.done()) return answer;
     std::copy(answer.data.begin(), answer.data.end(),
               (page.*stretch.bytes).begin() + stretch.begin);
   }
@@ -72,7 +72,7 @@ Answer Device::Await(std::uint32_t address, std::uint16_t length, const Shows& s
   // Twice in a row: a value that the device takes back shows for a moment.
   for (int shown = 0;;) {
     Answer answer = ReadRegister(options_, *client_, address, length);
-    if (answer.exit != Exit::kDone) return answer;
+    if (!answer.done()) return answer;
     shown = answer.data.size() == length && shows(answer.data) ? shown + 1 : 0;
     if (shown == 2) return answer;
     if (steady_clock::now() >= deadline) return {Exit::kRefused, "", std::move(answer.data)};
@@ -82,13 +82,13 @@ Answer Device::Await(std::uint32_t address, std::uint16_t length, const Shows& s
 
 Answer Device::Write(const Change& change) {
   Answer answer = Send(change.address, change.data);
-  if (answer.exit != Exit::kDone) return answer;
+  if (!answer.done()) return answer;
   return Await(change.shown_at, change.shown_length, change.shows);
 }
 
 Answer Device::ReadBytes(std::uint32_t address, std::size_t length) {
   Answer answer = ReadRegister(options_, *client_, address, static_cast<std::uint16_t>(length));
-  if (answer.exit == Exit::kDone && answer.data.size() != length) {
+  if (answer.done() && answer.data.size() != length) {
     return {Exit::kRefused, "refused: a short reply", {}};
   }
   return answer;

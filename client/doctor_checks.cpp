@@ -103,7 +103,7 @@ Finding LookAtFpga(Patient& patient) {
   if (patient.device == nullptr) return {Health::kUnknown, kNobody};
   patient.page.emplace();
   const Answer answer = patient.device->ReadPage(*patient.page);
-  if (answer.exit != Exit::kDone) {
+  if (!answer.done()) {
     patient.page.reset();
     return {Health::kWrong, answer.text};
   }
@@ -153,7 +153,7 @@ Finding LookAtCards(Patient& patient) {
   for (const int port : ports) {
     const quivord::Target first{JSHL_TypeReceiver, static_cast<std::uint8_t>(port), 0};
     const Answer answer = patient.device->ReadBehind(first, kCardSize, 4);
-    if (answer.exit != Exit::kDone || answer.data.size() != 4) silent.push_back(port);
+    if (!answer.done() || answer.data.size() != 4) silent.push_back(port);
   }
   if (ports.empty()) return {Health::kUnknown, "not asked: no port has a link"};
   if (!silent.empty())
@@ -191,7 +191,7 @@ std::chrono::sys_seconds LocalNow() {
 Finding LookAtClock(Patient& patient) {
   if (patient.device == nullptr) return {Health::kUnknown, kNobody};
   const Answer answer = patient.device->Read(*FindFeature("time"));
-  if (answer.exit != Exit::kDone) return {Health::kWrong, answer.text};
+  if (!answer.done()) return {Health::kWrong, answer.text};
   const std::string time = TimeText(answer.data);
   if (TimePoint(answer.data) == std::chrono::sys_seconds{}) {
     return {Health::kWrong, "tells no time (" + time + ")"};

@@ -12,8 +12,6 @@ using namespace ZEPH_MCUC;
 
 const FeatureRegister& SourceRow() { return *FindFeature("edid-flag"); }
 
-bool Done(const Answer& answer) { return answer.exit == Exit::kDone; }
-
 }  // namespace
 
 std::unique_ptr<EdidDevice> EdidDevice::Open(const Context& context, Exit& exit) {
@@ -37,20 +35,20 @@ Answer EdidDevice::WriteSourceId(std::uint8_t source_id) {
 
 Answer EdidDevice::Select(std::uint8_t group) {
   Answer now = device_->Read(SourceRow());
-  if (!Done(now) || GroupOfSourceId(now.data[0]) == group) return now;
+  if (!now.done() || GroupOfSourceId(now.data[0]) == group) return now;
   if (!before_) {
     held_.emplace();
     before_ = now.data[0];
   }
   Answer answer = WriteSourceId(SourceIdOfGroup(group));
-  if (!Done(answer)) answer.text = "the device doesn't switch to the input of that group";
+  if (!answer.done()) answer.text = "the device doesn't switch to the input of that group";
   return answer;
 }
 
 Answer EdidDevice::PutBack() {
   if (!before_) return {};
   Answer answer = WriteSourceId(*before_);
-  if (!Done(answer)) {
+  if (!answer.done()) {
     answer.text = "the input that was current before, " + std::to_string(*before_) +
                   " in register 0x020001A5, could not be put back";
   }
@@ -61,13 +59,13 @@ Answer EdidDevice::PutBack() {
 
 Answer EdidDevice::Current(std::uint8_t& group) {
   Answer answer = device_->Read(SourceRow());
-  if (Done(answer)) group = GroupOfSourceId(answer.data[0]);
+  if (answer.done()) group = GroupOfSourceId(answer.data[0]);
   return answer;
 }
 
 Answer EdidDevice::Read(EdidImage& image) {
   Answer answer = device_->Read(kEDIDSpace.base(), edid::kSize);
-  if (!Done(answer)) return answer;
+  if (!answer.done()) return answer;
   if (answer.data.size() != image.size()) return {Exit::kRefused, "refused: a short reply", {}};
   std::copy(answer.data.begin(), answer.data.end(), image.begin());
   return answer;

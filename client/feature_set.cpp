@@ -58,13 +58,13 @@ Exit SetFeature(const Context& context, const FeatureRegister& row, const std::s
   const auto device = Device::Open(context, exit);
   if (device == nullptr) return exit;
   const Answer before = device->Read(row);
-  if (before.exit != Exit::kDone) return context.Fail(before.exit, before.text);
+  if (!before.done()) return context.Fail(before);
   const Answer now = device->Write(MakeChange(row, value, context.options.speed));
-  if (now.exit == Exit::kDone) {
+  if (now.done()) {
     SayDone(context.out, row, member, before.data, now.data);
     return Exit::kDone;
   }
-  if (now.data.empty()) return context.Fail(now.exit, now.text);
+  if (now.data.empty()) return context.Fail(now);
   return context.Fail(now.exit, NameOf(row) + " was written, but after " +
                                     std::to_string(kSettleTime.count()) + " seconds it reads " +
                                     ValueText(row, now.data));

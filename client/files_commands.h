@@ -31,7 +31,4 @@ Answer ReadImage(Device& device, std::uint32_t offset, std::size_t length);
 // than a device keeps.
 std::optional<quivord::cardfiles::Bytes> ReadLocal(const std::filesystem::path& path);
 
-// "1 file", "3 files".
-std::string CountText(std::size_t count, const std::string& what);
-
 }  // namespace ctl

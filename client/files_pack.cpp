@@ -1,6 +1,7 @@
 // A configuration file built from a readable description.
 
 #include "cardfiles/description.h"
+#include "counted.h"
 #include "files_commands.h"
 #include "written_files.h"
 
@@ -8,6 +9,7 @@ namespace ctl {
 namespace {
 
 namespace cardfiles = quivord::cardfiles;
+using quivord::Counted;
 
 struct Words {
   std::string description;
@@ -25,8 +27,8 @@ Exit Pack(const Context& context, const Words& words) {
   const Exit written = WriteFile(context, words.file, bytes.value());
   if (written != Exit::kDone) return written;
   const auto verdict = cardfiles::Check(bytes.value());
-  context.out.Show(words.file + ": " + CountText(verdict.packs, "pack") + ", " +
-                       CountText(bytes.value().size(), "byte") + ", sent in " +
+  context.out.Show(words.file + ": " + Counted(verdict.packs, "pack") + ", " +
+                       Counted(bytes.value().size(), "byte") + ", sent in " +
                        std::to_string(verdict.pauses_ms) + " ms",
                    {{"file", words.file},
                     {"packs", verdict.packs},

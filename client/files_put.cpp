@@ -1,6 +1,7 @@
 // Bringing files onto a device, and removing them.
 #include <algorithm>
 
+#include "counted.h"
 #include "files_commands.h"
 
 namespace ctl {
@@ -9,6 +10,7 @@ namespace {
 namespace cardfiles = quivord::cardfiles;
 using cardfiles::File;
 using cardfiles::Piece;
+using quivord::Counted;
 using Paths = std::vector<std::filesystem::path>;
 
 // The plain files of a folder by their names; hidden ones don't count.
@@ -67,7 +69,7 @@ Answer ForEach(const Context& context, const std::vector<Piece>& pieces, const c
   std::size_t done = 0;
   for (const Piece& piece : pieces) {
     const Answer answer = step(piece);
-    if (answer.exit != Exit::kDone) return answer;
+    if (!answer.done()) return answer;
     done += piece.bytes.size();
     context.out.Progress(what, done, all);
   }
@@ -76,17 +78,17 @@ Answer ForEach(const Context& context, const std::vector<Piece>& pieces, const c
 
 Answer Compare(Device& device, const Piece& piece) {
   Answer answer = device.ReadBytes(piece.reg, piece.bytes.size());
-  if (answer.exit != Exit::kDone || answer.data == piece.bytes) return answer;
+  if (!answer.done() || answer.data == piece.bytes) return answer;
   return {Exit::kRefused, "the device has taken the files, but doesn't hold what was sent", {}};
 }
 
 Answer Upload(const Context& context, Device& device, const std::vector<File>& files) {
   const auto pieces = cardfiles::Upload(files);
-  context.out.Step(CountText(files.size(), "file") + ", " + CountText(BytesOf(pieces), "byte"));
+  context.out.Step(Counted(files.size(), "file") + ", " + Counted(BytesOf(pieces), "byte"));
   Answer answer = ForEach(context, pieces, "sent",
                           [&](const Piece& piece) { return device.Send(piece.reg, piece.bytes); });
-  if (answer.exit == Exit::kDone) answer = device.AwaitWork();
-  if (answer.exit != Exit::kDone) return answer;
+  if (answer.done()) answer = device.AwaitWork();
+  if (!answer.done()) return answer;
   return ForEach(context, pieces, "checked",
                  [&](const Piece& piece) { return Compare(device, piece); });
 }
@@ -98,9 +100,9 @@ Exit Put(const Context& context, const std::vector<std::string>& words) {
   const auto device = Device::Open(context, exit);
   if (device == nullptr) return exit;
   const Answer answer = Upload(context, *device, files.value());
-  if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+  if (!answer.done()) return context.Fail(answer);
   nlohmann::json names = nlohmann::json::array();
-  std::string text = "the device keeps " + CountText(files.value().size(), "file") + ":";
+  std::string text = "the device keeps " + Counted(files.value().size(), "file") + ":";
   for (std::size_t i = 0; i < files.value().size(); ++i) {
     text += "\n  " + std::to_string(i) + "  " + files.value()[i].name;
     names.push_back(files.value()[i].name);
@@ -115,9 +117,9 @@ Exit Remove(const Context& context) {
   if (device == nullptr) return exit;
   const Piece piece = cardfiles::Removal();
   Answer answer = device->Send(piece.reg, piece.bytes);
-  if (answer.exit == Exit::kDone) answer = device->AwaitWork();
-  if (answer.exit == Exit::kDone) answer = Compare(*device, piece);
-  if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+  if (answer.done()) answer = device->AwaitWork();
+  if (answer.done()) answer = Compare(*device, piece);
+  if (!answer.done()) return context.Fail(answer);
   context.out.Show("the device keeps no file", {{"files", nlohmann::json::array()}});
   return Exit::kDone;
 }

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <thread>
 
+#include "counted.h"
 #include "files_commands.h"
 #include "numbers.h"
 #include "table.h"
@@ -10,6 +11,7 @@ namespace ctl {
 namespace {
 
 namespace cardfiles = quivord::cardfiles;
+using quivord::Counted;
 namespace space = ZEPH_MCUC::cardfiles;
 using cardfiles::Entry;
 using std::chrono::milliseconds;
@@ -39,8 +41,7 @@ Exit List(const Context& context) {
   const auto device = Device::Open(context, exit);
   if (device == nullptr) return exit;
   const Listed listed = ListFiles(*device);
-  if (listed.answer.exit != Exit::kDone)
-    return context.Fail(listed.answer.exit, listed.answer.text);
+  if (!listed.answer.done()) return context.Fail(listed.answer);
   std::vector<std::vector<std::string>> rows = {{"file", "bytes", "name"}};
   nlohmann::json files = nlohmann::json::array();
   for (std::size_t i = 0; i < listed.entries.size(); ++i) {
@@ -79,7 +80,7 @@ std::optional<std::size_t> Find(const std::vector<Entry>& entries, const std::st
 
 Answer SendFile(const Context& context, Device& device, std::size_t number, milliseconds pauses) {
   const Answer answer = device.Send(space::kSend + static_cast<std::uint32_t>(number), {1});
-  if (answer.exit != Exit::kDone) return answer;
+  if (!answer.done()) return answer;
   WaitOut(context, pauses);
   return device.AwaitWork(pauses + kSettleTime);
 }
@@ -89,15 +90,14 @@ Exit Send(const Context& context, const std::string& word) {
   const auto device = Device::Open(context, exit);
   if (device == nullptr) return exit;
   const Listed listed = ListFiles(*device);
-  if (listed.answer.exit != Exit::kDone)
-    return context.Fail(listed.answer.exit, listed.answer.text);
+  if (!listed.answer.done()) return context.Fail(listed.answer);
   const auto number = Find(listed.entries, word);
   if (!number.has_value()) {
     return context.Fail(Exit::kRefused, "not sent: the device keeps no file " + word +
                                             "; 'quivordctl files list' shows them");
   }
   const Answer bytes = ReadFile(*device, listed.entries, *number);
-  if (bytes.exit != Exit::kDone) return context.Fail(bytes.exit, bytes.text);
+  if (!bytes.done()) return context.Fail(bytes);
   const auto verdict = cardfiles::Check(bytes.data);
   const std::string name =
       "file " + std::to_string(*number) + ", " + NameOf(listed.entries[*number]);
@@ -105,12 +105,12 @@ Exit Send(const Context& context, const std::string& word) {
     return context.Fail(Exit::kRefused, "not sent: " + name + ", " + verdict.fault);
   }
   const milliseconds pauses(verdict.pauses_ms / context.options.speed);
-  context.out.Step(name + ": " + CountText(verdict.packs, "pack") + ", about " +
+  context.out.Step(name + ": " + Counted(verdict.packs, "pack") + ", about " +
                    std::to_string((pauses.count() + 999) / 1000) + " s");
   const Answer answer = SendFile(context, *device, *number, pauses);
-  if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+  if (!answer.done()) return context.Fail(answer);
   context.out.Show(
-      "sent to all cards: " + CountText(verdict.packs, "pack") + " of " + name,
+      "sent to all cards: " + Counted(verdict.packs, "pack") + " of " + name,
       {{"number", *number}, {"name", listed.entries[*number].name}, {"packs", verdict.packs}});
   return Exit::kDone;
 }

@@ -41,7 +41,7 @@ nlohmann::json Entries(const ZEPH_MCUC::GammaTable& table) {
 Answer ReadValues(Device& device, nlohmann::json* values) {
   for (const rgbgamma::Value& value : rgbgamma::kValues) {
     Answer answer = device.ReadBytes(value.reg, 1);
-    if (answer.exit != Exit::kDone) return answer;
+    if (!answer.done()) return answer;
     const char* const name = value.set == rgbgamma::Set::k12Bit ? "12" : "10";
     if (answer.data[0] != kNoExponent) (*values)[name] = answer.data[0] / 10.0;
   }
@@ -67,9 +67,9 @@ Exit Show(Context& context) {
   PictureMode mode;
   nlohmann::json values = nlohmann::json::object();
   Answer answer = ReadGamma(*device, &set);
-  if (answer.exit == Exit::kDone) answer = ReadMode(*device, &mode);
-  if (answer.exit == Exit::kDone) answer = ReadValues(*device, &values);
-  if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+  if (answer.done()) answer = ReadMode(*device, &mode);
+  if (answer.done()) answer = ReadValues(*device, &values);
+  if (!answer.done()) return context.Fail(answer);
   nlohmann::json object = {{"mode", ModeName(mode.set.HDRType)}, {"exponents", values}};
   for (std::size_t i = 0; i < set.size(); ++i) {
     object[kColours[i]] = {{"curve", CurveText(set[i])}, {"entries", Entries(set[i])}};
@@ -87,9 +87,9 @@ Exit Load(Context& context) {
   PictureMode mode;
   GammaSet set;
   Answer answer = ReadMode(*device, &mode);
-  if (answer.exit == Exit::kDone) answer = ChooseMode(*device, ZEPH_MCUC::hc::kDefaultMode);
-  if (answer.exit == Exit::kDone) answer = ReadGamma(*device, &set);
-  if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+  if (answer.done()) answer = ChooseMode(*device, ZEPH_MCUC::hc::kDefaultMode);
+  if (answer.done()) answer = ReadGamma(*device, &set);
+  if (!answer.done()) return context.Fail(answer);
   const bool was_hdr = mode.set.HDRType != ZEPH_MCUC::hc::kDefaultMode;
   context.out.Show("loaded the 10-bit set" + std::string(was_hdr ? ", HDR is off now" : "") + "\n" +
                        GammaText(set),
@@ -109,7 +109,7 @@ Answer ReadGamma(Device& device, GammaSet* set) {
     auto& bytes = (*set)[static_cast<std::size_t>(table.colour)];
     for (std::uint32_t at = 0; at < bytes.size(); at += kGammaPiece) {
       Answer answer = device.ReadBytes(table.reg + at, kGammaPiece);
-      if (answer.exit != Exit::kDone) return answer;
+      if (!answer.done()) return answer;
       std::copy(answer.data.begin(), answer.data.end(), bytes.begin() + at);
     }
   }

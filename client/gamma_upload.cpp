@@ -1,8 +1,7 @@
 #include <cmath>
-#include <fstream>
-#include <iterator>
 
 #include "gamma_commands.h"
+#include "json/load.h"
 #include "picture_mode.h"
 #include "proto/calc_rgbgamma.h"
 
@@ -12,7 +11,6 @@ namespace {
 using quivord::colour::GammaSet;
 namespace rgbgamma = ZEPH_MCUC::rgbgamma;
 
-constexpr std::uintmax_t kMostFile = 1 << 20;  // three numbers a line and remarks
 constexpr std::size_t kPieces = 3 * ZEPH_MCUC::kGammaTableSize / kGammaPiece;
 
 struct Words {
@@ -23,26 +21,12 @@ struct Words {
   rgbgamma::Set set() const { return depth == 12 ? rgbgamma::Set::k12Bit : rgbgamma::Set::k10Bit; }
 };
 
-quivord::Result<GammaSet> ReadFile(const std::string& name) {
-  const auto wrong = [&name](const std::string& text) {
-    return quivord::Error{quivord::Trouble::kWrongUse, name + ": " + text};
-  };
-  std::error_code failed;
-  const std::uintmax_t size = std::filesystem::file_size(name, failed);
-  if (failed) return wrong(failed.message());
-  if (size > kMostFile) return wrong("far too large for gamma tables");
-  std::ifstream stream(name, std::ios::binary);
-  const std::string bytes{std::istreambuf_iterator<char>(stream), {}};
-  auto set = quivord::colour::ParseGamma(bytes);
-  if (!set) return wrong(set.error().text);
-  return set;
-}
-
 quivord::Result<GammaSet> WantedSet(const Words& words) {
   if (words.exponent.has_value() == !words.file.empty()) {
     return quivord::Error{quivord::Trouble::kWrongUse, "give a FILE or an --exponent"};
   }
-  if (!words.exponent.has_value()) return ReadFile(words.file);
+  if (!words.exponent.has_value())
+    return quivord::json::Load(words.file, "gamma tables", quivord::colour::ParseGamma);
   const auto table = ZEPH_MCUC::PowerTable(*words.exponent, words.depth);
   return GammaSet{table, table, table};
 }
@@ -56,7 +40,7 @@ Answer SendPieces(const Context& context, Device& device, rgbgamma::Set which,
     for (std::uint32_t at = 0; at < bytes.size(); at += kGammaPiece) {
       Answer answer =
           device.Send(table.reg + at, {bytes.begin() + at, bytes.begin() + at + kGammaPiece});
-      if (answer.exit != Exit::kDone) return answer;
+      if (!answer.done()) return answer;
       context.out.Progress("sent", ++sent, kPieces);
     }
   }
@@ -76,7 +60,7 @@ Answer SendExponent(Device& device, const Words& words) {
 Answer CheckLoaded(Device& device, const GammaSet& wanted) {
   GammaSet held;
   Answer answer = ReadGamma(device, &held);
-  if (answer.exit != Exit::kDone || held == wanted) return answer;
+  if (!answer.done() || held == wanted) return answer;
   return {Exit::kRefused, "the device took the set, but the FPGA doesn't hold it", {}};
 }
 
@@ -107,11 +91,11 @@ Exit Upload(const Context& context, const Words& words) {
   PictureMode mode;
   Answer answer = ReadMode(*device, &mode);
   const bool loads = mode.set.HDRType == ZEPH_MCUC::hc::kDefaultMode;
-  if (answer.exit == Exit::kDone) answer = SendPieces(context, *device, words.set(), set.value());
-  if (answer.exit == Exit::kDone) answer = SendExponent(*device, words);
-  if (answer.exit == Exit::kDone) answer = device->AwaitWork();
-  if (answer.exit == Exit::kDone && loads) answer = CheckLoaded(*device, set.value());
-  if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+  if (answer.done()) answer = SendPieces(context, *device, words.set(), set.value());
+  if (answer.done()) answer = SendExponent(*device, words);
+  if (answer.done()) answer = device->AwaitWork();
+  if (answer.done() && loads) answer = CheckLoaded(*device, set.value());
+  if (!answer.done()) return context.Fail(answer);
   context.out.Show(StoredText(words.depth, loads), {{"depth", words.depth}, {"loaded", loads}});
   return Exit::kDone;
 }

@@ -26,19 +26,19 @@ Tables TablesOf(std::uint8_t type, std::uint8_t fpga, std::uint8_t feature) {
 
 Answer ReadMode(Device& device, PictureMode* mode) {
   Answer answer = device.ReadBytes(hc::kBase + hc::kHDRType, hc::kAllParameters);
-  if (answer.exit != Exit::kDone) return answer;
+  if (!answer.done()) return answer;
   mode->set.HDRType = answer.data[0];
   mode->set.fScreenPeakLight = ZEPH_MCUC::DWQ_DECWD(&answer.data[1]);
   mode->set.fambientLight = answer.data[3];
   mode->set.pMinLum = answer.data[hc::kMinLum - hc::kHDRType];
   answer = device.ReadBytes(hc::kBase + hc::kHLGClass, 1);
-  if (answer.exit != Exit::kDone) return answer;
+  if (!answer.done()) return answer;
   mode->set.HLGCalss = answer.data[0];
   answer = device.ReadBytes(CellRegister(hc::kSwitchBus), 1);
-  if (answer.exit != Exit::kDone) return answer;
+  if (!answer.done()) return answer;
   const std::uint8_t fpga = answer.data[0];
   answer = device.ReadBytes(CellRegister(ZEPH_MCUC::feature::kHdrSwitch), 1);
-  if (answer.exit != Exit::kDone) return answer;
+  if (!answer.done()) return answer;
   mode->tables = TablesOf(mode->set.HDRType, fpga, answer.data[0]);
   return answer;
 }
@@ -52,10 +52,10 @@ std::string ModeName(std::uint8_t type) {
 // The switches alone don't tell that tables of the same mode were loaded anew.
 Answer ChooseMode(Device& device, std::uint8_t type) {
   Answer answer = device.Send(hc::kBase + hc::kHDRType, {type});
-  if (answer.exit == Exit::kDone) answer = device.AwaitWork();
-  if (answer.exit != Exit::kDone) return answer;
+  if (answer.done()) answer = device.AwaitWork();
+  if (!answer.done()) return answer;
   answer = device.ReadBytes(CellRegister(ZEPH_MCUC::feature::kHdrSwitch), 1);
-  if (answer.exit != Exit::kDone) return answer;
+  if (!answer.done()) return answer;
   if (answer.data[0] == (HasTables(type) ? hc::kSwitchHDR : hc::kSwitchDefault)) return answer;
   return {Exit::kRefused, "the device took it, but the FPGA's switch doesn't follow", {}};
 }

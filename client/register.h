@@ -16,6 +16,8 @@ struct Answer {
   Exit exit = Exit::kDone;
   std::string text;                // why not, or a remark; empty where there is nothing to say
   std::vector<std::uint8_t> data;  // of a read
+
+  bool done() const { return exit == Exit::kDone; }
 };
 
 // The answer that says what went wrong, or that all went well.

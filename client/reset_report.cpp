@@ -66,7 +66,7 @@ Answer ReadKept(Device& device, Kept& kept) {
                         {&kept.files, cardfiles::kBase, quivord::cardfiles::kHeaderBytes}};
   for (const Part& part : parts) {
     Answer answer = device.ReadBytes(part.address, part.length);
-    if (answer.exit != Exit::kDone) return answer;
+    if (!answer.done()) return answer;
     *part.into = std::move(answer.data);
   }
   return {};

@@ -1,10 +1,10 @@
 
 #include "commands.h"
 #include "device.h"
+#include "drawing.h"
 #include "wall/draw.h"
 #include "wall/text.h"
 #include "wall_commands.h"
-#include "written_files.h"
 
 namespace ctl {
 namespace {
@@ -14,7 +14,7 @@ using Scope = WallDevice::Scope;
 
 Exit Show(Context& context) {
   const WallRead read = ReadWall(context, Scope::kAll);
-  if (read.answer.exit != Exit::kDone) return context.Fail(read.answer.exit, read.answer.text);
+  if (!read.answer.done()) return context.Fail(read.answer);
   context.out.Show(wall::ShowText(read.wall), wall::ShowJson(read.wall));
   return Exit::kDone;
 }
@@ -22,8 +22,7 @@ Exit Show(Context& context) {
 Run DeclareShow(CLI::App& /*app*/) { return Show; }
 
 struct DrawWords {
-  std::string file;
-  int scale = wall::kScale;
+  Drawing drawing;
   bool pattern = false;
 };
 
@@ -34,7 +33,7 @@ Answer ReadPattern(const Context& context, std::optional<wall::Pattern>* pattern
   const auto device = Device::Open(context, exit);
   if (device == nullptr) return {exit, "", {}};
   Answer answer = device->Read(registers::kBase, registers::kUsed);
-  if (answer.exit != Exit::kDone) return answer;
+  if (!answer.done()) return answer;
   *pattern = wall::UnderstandPattern(std::span(answer.data).first<registers::kUsed>());
   if (!pattern->has_value()) {
     return {Exit::kRefused, "no pattern to draw; 'quivordctl pattern' shows one", {}};
@@ -43,39 +42,30 @@ Answer ReadPattern(const Context& context, std::optional<wall::Pattern>* pattern
 }
 
 Exit Draw(Context& context, const DrawWords& words) {
-  const auto format = wall::FormatOf(words.file);
-  if (!format.has_value()) return context.Fail(Exit::kWrongUse, "FILE ends in .png or .svg");
+  const auto format = words.drawing.format();
+  if (!format.has_value()) return context.Fail(Exit::kWrongUse, kFormatRule);
   const WallRead read = ReadWall(context, Scope::kAll);
-  if (read.answer.exit != Exit::kDone) return context.Fail(read.answer.exit, read.answer.text);
+  if (!read.answer.done()) return context.Fail(read.answer);
   if (const auto obstacle = wall::DrawObstacle(read.wall)) {
     return context.Fail(Exit::kRefused, "nothing to draw: " + *obstacle);
   }
   std::optional<wall::Pattern> pattern;
   if (words.pattern) {
     const Answer answer = ReadPattern(context, &pattern);
-    if (answer.exit != Exit::kDone) return context.Fail(answer.exit, answer.text);
+    if (!answer.done()) return context.Fail(answer);
   }
-  const std::string fault = wall::Draw(read.wall, words.file, *format, words.scale, pattern);
-  if (!fault.empty()) return context.Fail(Exit::kWrongUse, words.file + ": " + fault);
-  context.out.Show("drew " + words.file, {{"file", words.file}});
-  return Exit::kDone;
+  return EndDrawing(
+      context, words.drawing,
+      wall::Draw(read.wall, words.drawing.file, *format, words.drawing.scale, pattern));
 }
 
 Run DeclareDraw(CLI::App& app) {
   const auto words = std::make_shared<DrawWords>();
-  WritesFile(app.add_option("FILE", words->file, "Where the picture goes; .png or .svg says which"))
-      ->required();
-  app.add_option("--scale", words->scale, "How fine a PNG is")
-      ->type_name("N")
-      ->check(CLI::Range(1, wall::kMostScale))
-      ->capture_default_str();
+  AddPictureFile(app, words->drawing);
+  AddPictureScale(app, words->drawing);
   app.add_flag("--pattern", words->pattern, "With the test pattern in place of the cables");
   return [words](Context& context) { return Draw(context, *words); };
 }
-
-struct ExportWords {
-  std::string file;
-};
 
 // Why a wall can't be a file.
 std::optional<std::string> ExportObstacle(const wall::Wall& now) {
@@ -88,31 +78,19 @@ std::optional<std::string> ExportObstacle(const wall::Wall& now) {
   return std::nullopt;
 }
 
-Exit Export(Context& context, const ExportWords& words) {
+Exit ExportWall(Context& context, const std::string& file) {
   const WallRead read = ReadWall(context, Scope::kRecord);
-  if (read.answer.exit != Exit::kDone) return context.Fail(read.answer.exit, read.answer.text);
+  if (!read.answer.done()) return context.Fail(read.answer);
   if (const auto obstacle = ExportObstacle(read.wall)) {
     return context.Fail(Exit::kRefused, *obstacle);
   }
   const nlohmann::ordered_json object = read.wall.kind == wall::Kind::kSmart
                                             ? wall::SmartJson(read.wall.smart)
                                             : wall::AdvancedJson(read.wall.records);
-  const std::string text = object.dump(2);
-  if (words.file.empty()) {
-    context.out.Show(text, object);
-    return Exit::kDone;
-  }
-  const Exit written = WriteFile(context, words.file, text + '\n');
-  if (written != Exit::kDone) return written;
-  context.out.Show("wrote " + words.file, {{"file", words.file}});
-  return Exit::kDone;
+  return Export(context, file, object.dump(2), object);
 }
 
-Run DeclareExport(CLI::App& app) {
-  const auto words = std::make_shared<ExportWords>();
-  WritesFile(app.add_option("FILE", words->file, "Where it goes (default: standard output)"));
-  return [words](Context& context) { return Export(context, *words); };
-}
+Run DeclareExport(CLI::App& app) { return DeclareExporting(app, ExportWall); }
 
 }  // namespace
 

@@ -26,15 +26,6 @@ std::vector<NodeLine> NodeLines(const Plan& plan);
 // What a plan does with the light, in a line; empty for a plan without sensors.
 std::string SensingText(const Plan& plan);
 
-// The node that a start at `now` would take, and the next one that changes something.
-struct Standing {
-  std::size_t node = 0;
-  bool today = true;  // it applies on this weekday, as an arrival counts it
-  std::optional<std::size_t> next;
-  int next_in_min = 0;
-};
-std::optional<Standing> StandingAt(const Plan& plan, const table::Moment& now);
-
 // Lines without the last line feed. `now` is the device's clock, where it is known.
 std::string ShowText(const Plan& plan, const std::optional<table::Moment>& now);
 

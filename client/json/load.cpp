@@ -6,7 +6,8 @@
 namespace quivord::json {
 namespace {
 
-constexpr std::uintmax_t kMostFile = 1 << 20;  // such files have some kilobytes
+constexpr std::uintmax_t kMostFile =
+    1 << 20;  // such files have some kilobytes, gamma tables some more
 
 }  // namespace
 
@@ -18,7 +19,7 @@ Result<std::string> LoadText(const std::filesystem::path& file, const std::strin
   const std::uintmax_t size = std::filesystem::file_size(file, failed);
   if (failed) return wrong(failed.message());
   if (size > kMostFile) return wrong("far too large for " + what);
-  std::ifstream stream(file);
+  std::ifstream stream(file, std::ios::binary);
   return std::string{std::istreambuf_iterator<char>(stream), {}};
 }
 

@@ -1,4 +1,4 @@
-// Files that a person wrote, as text.
+// Files that people give a command, whole; their size is looked at first.
 #pragma once
 
 #include <filesystem>
@@ -8,11 +8,11 @@
 
 namespace quivord::json {
 
-// The text of `file`; kWrongUse, with the file's name, where it can't be read or is far too large
+// The bytes of `file`; kWrongUse, with the file's name, where it can't be read or is far too large
 // for `what`, "a plan" say.
 Result<std::string> LoadText(const std::filesystem::path& file, const std::string& what);
 
-// The text of `file` through `parse`, which gives a `Result`; its errors get the file's name.
+// The content of `file` through `parse`, which gives a `Result`; its errors get the file's name.
 template <class Parse>
 auto Load(const std::filesystem::path& file, const std::string& what, Parse parse)
     -> decltype(parse(std::string())) {

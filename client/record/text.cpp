@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <map>
 
+#include "counted.h"
 #include "proto/calc_feature_words.h"
 #include "stub/frame_layout.h"
 #include "trace/busline.h"
@@ -21,23 +22,20 @@ std::string Seconds(double seconds) {
   return text;
 }
 
-std::string Count(std::size_t number, const std::string& what) {
-  return std::to_string(number) + " " + what + (number == 1 ? "" : "s");
-}
-
 // "0x7F1234 reads 0x02000012 output, 1 byte".
 std::string RequestText(const Finding& finding) {
   const auto head = ReadFrameHead(finding.request);
-  if (!head.has_value()) return "a frame of " + Count(finding.request.size(), "byte");
+  if (!head.has_value()) return "a frame of " + Counted(finding.request.size(), "byte");
   const auto data = FrameData(*head, finding.request);
   const bool write = head->code == JSHL_PROTOWRITE;
   const std::string subject = trace::SubjectText(*head, data);
-  return write ? "writes " + subject : "reads " + subject + ", " + Count(head->dataLength, "byte");
+  return write ? "writes " + subject
+               : "reads " + subject + ", " + Counted(head->dataLength, "byte");
 }
 
 std::string ReportWords(const Finding& finding) {
   const auto head = ReadFrameHead(finding.report);
-  if (!head.has_value()) return "a frame of " + Count(finding.report.size(), "byte");
+  if (!head.has_value()) return "a frame of " + Counted(finding.report.size(), "byte");
   const auto data = FrameData(*head, finding.report);
   const std::string text =
       head->deviceType == JSHL_TypeSender ? ReportText(head->registerAddress, data) : std::string();
@@ -68,7 +66,7 @@ std::string FindingText(const Finding& finding) {
     if (!place.why.empty() || ++shown > kMostShown) continue;
     text += "\n    " + place.where + ": recorded " + place.recorded + ", now " + place.now;
   }
-  if (shown > kMostShown) text += "\n    and " + Count(shown - kMostShown, "more place");
+  if (shown > kMostShown) text += "\n    and " + Counted(shown - kMostShown, "more place");
   return text;
 }
 
@@ -95,10 +93,11 @@ std::string AllowedText(const Played& played) {
   }
   std::string text;
   if (played.passing != 0) {
-    text += "\n  " + Count(played.passing, "answer") + " of peers that asked again until it fitted";
+    text +=
+        "\n  " + Counted(played.passing, "answer") + " of peers that asked again until it fitted";
   }
   for (const auto& [place, count] : times) {
-    text += "\n  " + Count(count, "answer") + " in " + place;
+    text += "\n  " + Counted(count, "answer") + " in " + place;
   }
   return text.empty() ? "" : "\ndifferent, as it may be:" + text;
 }
@@ -138,10 +137,11 @@ nlohmann::json FindingJson(const Finding& finding) {
 }  // namespace
 
 std::string PlayedText(const Played& played, bool compared) {
-  std::string text = "sent " + Count(played.sent, "frame") + " of " + Count(played.peers, "peer") +
-                     " in " + Seconds(played.seconds) + "; " + Count(played.answers, "answer");
+  std::string text = "sent " + Counted(played.sent, "frame") + " of " +
+                     Counted(played.peers, "peer") + " in " + Seconds(played.seconds) + "; " +
+                     Counted(played.answers, "answer");
   if (compared) {
-    text += ", " + Count(played.reports, "report");
+    text += ", " + Counted(played.reports, "report");
     if (played.greetings != 0) {
       text +=
           " (and " + std::to_string(played.greetings) + " before the first frame, not compared)";

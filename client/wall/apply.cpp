@@ -1,5 +1,6 @@
 #include "wall/apply.h"
 
+#include "counted.h"
 #include "proto/mosaic_advanced.h"
 #include "wall/text.h"
 #include "wall/words.h"

@@ -1,5 +1,6 @@
 #include "wall/check.h"
 
+#include "counted.h"
 #include "proto/mosaic_advanced.h"
 #include "wall/words.h"
 

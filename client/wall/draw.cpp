@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "counted.h"
 #include "wall/draw_parts.h"
 #include "wall/palette.h"
 #include "wall/words.h"

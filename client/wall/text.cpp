@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "counted.h"
 #include "wall/file.h"
 #include "wall/words.h"
 

@@ -8,10 +8,6 @@ std::string SizeText(std::uint64_t width, std::uint64_t height, const char* betw
   return std::to_string(width) + between + std::to_string(height);
 }
 
-std::string Counted(std::size_t count, const std::string& noun) {
-  return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
-}
-
 std::string ListText(const std::vector<std::uint8_t>& numbers) {
   std::string text;
   for (std::size_t begin = 0; begin < numbers.size();) {

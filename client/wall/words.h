@@ -11,9 +11,6 @@ namespace quivord::wall {
 // "384 × 512", with `between` in place of " × ".
 std::string SizeText(std::uint64_t width, std::uint64_t height, const char* between = " × ");
 
-// A count and its noun: "1 cabinet", "12 cabinets".
-std::string Counted(std::size_t count, const std::string& noun);
-
 // "0", "1, 3, 5", "4 to 9": numbers in ascending order.
 std::string ListText(const std::vector<std::uint8_t>& numbers);
 

@@ -10,7 +10,7 @@
 #include "brightness/course.h"
 #include "brightness/draw.h"
 #include "brightness/file.h"
-#include "brightness/text.h"
+#include "brightness/standing.h"
 #include "brightness/words.h"
 #include "support/run.h"
 #include "support/slow_mix.h"

@@ -1,6 +1,7 @@
 // What the screen shows: the wall, the picture, the brightness plan.
 #include <ctime>
 
+#include "brightness/standing.h"
 #include "brightness/text.h"
 #include "brightness/words.h"
 #include "live/describe.h"
