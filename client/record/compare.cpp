@@ -112,6 +112,9 @@ std::string AckWords(std::uint8_t ack) {
   return std::to_string(ack) + " (" + std::string(AckText(ack)) + ")";
 }
 
+// Work that takes turns with writes tells what came of it as often as it got a turn.
+const Place kToldAgain{"a report", "once", "again", "told more than once"};
+
 const char* SumWords(const Bytes& frame) {
   return FrameSumIsRight(frame.data(), static_cast<std::int32_t>(frame.size())) ? "right" : "wrong";
 }
@@ -123,6 +126,14 @@ Finding ReportFinding(Finding::Kind kind, const Frame& report) {
           .request = {},
           .places = {},
           .report = report.bytes};
+}
+
+// Whether a report of the recording says the same to the same peer.
+bool Tells(const std::vector<Frame>& recorded, const Frame& report,
+           const std::vector<MayDiffer>& may_differ) {
+  return std::any_of(recorded.begin(), recorded.end(), [&](const Frame& one) {
+    return one.peer == report.peer && AllAllowed(Differences(one.bytes, report.bytes, may_differ));
+  });
 }
 
 }  // namespace
@@ -177,7 +188,9 @@ std::vector<Finding> CompareReports(const std::vector<Frame>& recorded,
     }
   }
   for (std::size_t at = 0; at < now.size(); ++at) {
-    if (!taken[at]) findings.push_back(ReportFinding(Finding::Kind::kNewReport, now[at]));
+    if (taken[at]) continue;
+    findings.push_back(ReportFinding(Finding::Kind::kNewReport, now[at]));
+    if (Tells(recorded, now[at], may_differ)) findings.back().places = {kToldAgain};
   }
   return findings;
 }

@@ -44,14 +44,14 @@ struct Finding {
   std::int64_t at_us = 0;  // in the recording; of a new report, since the replay's beginning
   std::uint32_t peer = 0;
   Bytes request;              // empty for reports
-  std::vector<Place> places;  // of kAnswer
+  std::vector<Place> places;  // of kAnswer, and of a new report that may come
   Bytes report;               // of the last two kinds
 
-  bool allowed() const { return kind == Kind::kAnswer && AllAllowed(places); }
+  bool allowed() const { return !places.empty() && AllAllowed(places); }
 };
 
 // The reports that came in place of those that were recorded, in whatever order: what is missing,
-// then what is new.
+// then what is new. What is told once more may be new.
 std::vector<Finding> CompareReports(const std::vector<Frame>& recorded,
                                     const std::vector<Frame>& now,
                                     const std::vector<MayDiffer>& may_differ);

@@ -97,7 +97,9 @@ std::string AllowedText(const Played& played) {
         "\n  " + Counted(played.passing, "answer") + " of peers that asked again until it fitted";
   }
   for (const auto& [place, count] : times) {
-    text += "\n  " + Counted(count, "answer") + " in " + place;
+    const bool report = place.starts_with("a report");
+    text += "\n  " + (report ? Counted(count, "time") + " " : Counted(count, "answer") + " in ") +
+            place;
   }
   return text.empty() ? "" : "\ndifferent, as it may be:" + text;
 }
