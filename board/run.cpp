@@ -44,6 +44,10 @@ End Watch(pid_t daemon) {
 }  // namespace
 
 int RunDaemon(const std::vector<std::string>& options) {
+  const auto folder = board::ChooseFolder();
+  if (!std::filesystem::exists(folder / "board.conf")) {  // wanted, or a slip of the pen
+    std::fprintf(stderr, "quivord-board: %s was no board yet, and is one now\n", folder.c_str());
+  }
   board::Folder();
   BlockWatched();
   for (bool rebooted = board::TakeReboot();;) {

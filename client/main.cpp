@@ -7,6 +7,7 @@
 
 #include "command_tree.h"
 #include "hidden.h"
+#include "unknown_word.h"
 
 namespace {
 
@@ -20,8 +21,9 @@ int Ctl(int argc, char** argv) {
   } catch (const CLI::Success& shown) {
     return tree.app().exit(shown);  // help
   } catch (const CLI::ParseError& error) {
+    const std::string unknown = ctl::UnknownWord(tree.app());
     ctl::Output(tree.words().json)
-        .Fault(std::string(error.what()) + "; see " + tree.Called() + " --help",
+        .Fault((unknown.empty() ? error.what() : unknown) + "; see " + tree.Called() + " --help",
                static_cast<int>(ctl::Exit::kWrongUse));
     return static_cast<int>(ctl::Exit::kWrongUse);
   }

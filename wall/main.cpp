@@ -56,8 +56,10 @@ int Run(const Words& words) {
   const sigset_t signals = BlockEndSignals();
   quivord::live::Server server({folder, words.address, words.port, words.control});
   if (!server.Bind()) {
-    std::fprintf(stderr, "quivord-wall: can't listen on %s, port %d; --port 0 takes a free one\n",
-                 words.address.c_str(), words.port);
+    std::fprintf(
+        stderr, "quivord-wall: can't listen on %s, port %d; %s\n", words.address.c_str(),
+        words.port,
+        words.port == 0 ? "--address has to be one of this machine" : "--port 0 takes a free one");
     return kFailed;
   }
   std::error_code ignored;

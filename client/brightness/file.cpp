@@ -218,7 +218,7 @@ Result<Plan> ParsePlan(std::string_view text) {
     if (!obstacle.empty()) return Error{Trouble::kWrongUse, obstacle};
     return plan;
   } catch (const nlohmann::json::exception& fault) {
-    return Error{Trouble::kWrongUse, std::string("not JSON: ") + fault.what()};
+    return Error{Trouble::kWrongUse, json::NotJson(fault)};
   } catch (const Fault& fault) {
     return Error{Trouble::kWrongUse, fault.text};
   }

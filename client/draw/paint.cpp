@@ -169,6 +169,10 @@ std::string Painter::Finish() {
   }
   cairo_surface_finish(surface_.get());
   if (status == CAIRO_STATUS_SUCCESS) status = cairo_surface_status(surface_.get());
+  if (status == CAIRO_STATUS_WRITE_ERROR) {
+    return "can't be written; look whether its folder is there, is yours to write into and has "
+           "room";
+  }
   return status == CAIRO_STATUS_SUCCESS ? "" : cairo_status_to_string(status);
 }
 

@@ -1,5 +1,7 @@
 #include "json/load.h"
 
+#include <cerrno>
+#include <cstring>
 #include <fstream>
 #include <iterator>
 
@@ -20,6 +22,7 @@ Result<std::string> LoadText(const std::filesystem::path& file, const std::strin
   if (failed) return wrong(failed.message());
   if (size > kMostFile) return wrong("far too large for " + what);
   std::ifstream stream(file, std::ios::binary);
+  if (!stream) return wrong(std::strerror(errno));
   return std::string{std::istreambuf_iterator<char>(stream), {}};
 }
 

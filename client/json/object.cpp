@@ -5,6 +5,12 @@
 
 namespace quivord::json {
 
+std::string NotJson(const nlohmann::json::exception& fault) {
+  const std::string_view text = fault.what();  // "[exception's name and number] parse error at ..."
+  const auto name = text.find("] ");
+  return "not JSON: " + std::string(name == text.npos ? text : text.substr(name + 2));
+}
+
 void Wants(const std::string& where, const std::string& what) { throw Fault{where + " " + what}; }
 
 Object::Object(const Value& value, std::string where) : value_(value), where_(std::move(where)) {

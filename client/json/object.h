@@ -19,6 +19,9 @@ struct Fault {
 
 [[noreturn]] void Wants(const std::string& where, const std::string& what);
 
+// The line and column where a text stops being JSON, in one line for people.
+std::string NotJson(const nlohmann::json::exception& fault);
+
 // One object of a file, and the words that lead to it. It refers to the value. All functions throw
 // a `Fault`.
 class Object {

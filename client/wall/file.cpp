@@ -71,7 +71,7 @@ Result<WallFile> ParseFile(std::string_view text) {
   try {
     return ReadFile(Value::parse(text));
   } catch (const nlohmann::json::exception& fault) {
-    return Error{Trouble::kWrongUse, std::string("not JSON: ") + fault.what()};
+    return Error{Trouble::kWrongUse, json::NotJson(fault)};
   } catch (const Fault& fault) {
     return Error{Trouble::kWrongUse, fault.text};
   }

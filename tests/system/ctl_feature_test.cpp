@@ -97,6 +97,11 @@ TEST_F(CtlFeature, RefusesWhatCannotBe) {
       feature set hdr loaded          | 1 | daemon alone
       feature set role                | 2 | VALUE is required; see quivordctl feature set --help
       output ajar                     | 2 | see quivordctl output --help
+      outptu open                     | 2 | no command is called 'outptu', but one is called 'output'; see
+      output opne                     | 2 | 'open'; see quivordctl output --help
+      output open wide                | 2 | not expected: wide
+      status --jsno                   | 2 | no option is called '--jsno', but one is called '--json'; see
+      anything                        | 2 | no command is called 'anything'; see quivordctl --help
       time set 2027-02-29T12:00:00    | 2 | no value of time
       time set 2026-07-03T12:00:00Z   | 2 | no value of time
       --device receiver status        | 2 | --device

@@ -19,7 +19,7 @@ TEST(WallFile, FaultsAreNamed) {
     return R"({"kind": "advanced", "ports": )" + list + "}";
   };
   const std::pair<std::string, const char*> cases[] = {
-      {"{", "not JSON"},
+      {"{", "not JSON: parse error at line 1"},
       {"{}", "has no \"kind\""},
       {R"({"kind": "other"})", "\"kind\" is smart or advanced"},
       {smart(": 1", ": 0"), "\"rows\" is a number from 1 to 255"},
