@@ -84,14 +84,25 @@ bool Take(char**& words, Arguments& arguments) {
   return IsSubject(word);
 }
 
+// A word that asks for no check.
+int Unlike(const char* word) {
+  const bool help = std::strcmp(word, "--help") == 0;
+  if (help || std::strcmp(word, "--version") == 0) {
+    std::fputs(help ? kUsage : "quivord-platform-check " QUIVORD_VERSION "\n", stdout);
+    return kAllHolds;
+  }
+  std::fprintf(stderr, "quivord-platform-check: '%s' is no subject or lacks what belongs to it\n%s",
+               word, kUsage);
+  return kWrongUse;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   Arguments arguments;
   for (char** words = argv + std::min(argc, 1); *words != nullptr;) {
-    if (Take(words, arguments)) continue;
-    std::fputs(kUsage, std::strcmp(argv[1], "--help") == 0 ? stdout : stderr);
-    return std::strcmp(argv[1], "--help") == 0 ? kAllHolds : kWrongUse;
+    const char* const word = *words;
+    if (!Take(words, arguments)) return Unlike(word);
   }
   platform::Initialize();
   check::Report report;

@@ -59,6 +59,7 @@ TEST(PlatformCheck, WrongUseIsSaid) {
   for (const char* const word : {"--no-such-option", "no-such-subject", "--echo", "--card"}) {
     const auto run = Check({word});
     EXPECT_EQ(run.status, 2) << word;
+    EXPECT_NE(run.err.find("'" + std::string(word) + "' is no subject"), std::string::npos);
     EXPECT_NE(run.err.find("quivord-platform-check ["), std::string::npos) << word;
   }
 }
