@@ -22,7 +22,12 @@ using loop::kSecond_us;
 
 constexpr int64_t kDay_s = 86'400;
 constexpr int64_t kStart_s = 1'777'574'405;  // Thursday, 30 April 2026, 18:40:05
-constexpr int kPasses = 3 * 86'400 * 5;
+#ifdef QUIVORD_EMULATED                      // where three take ten minutes
+constexpr int kDays = 1;
+#else
+constexpr int kDays = 3;
+#endif
+constexpr int kPasses = kDays * 86'400 * 5;
 
 constexpr int kSunday0 = 1 << 4;  // Thursday where bit 0 is Sunday
 constexpr int kMonday0 = 1 << 4;  // Friday where bit 0 is Monday
@@ -69,7 +74,7 @@ class PacketCount {
   const uint8_t* bytes_;
 };
 
-TEST(BrightnessDays, ThreeDaysOfAMixSendWhatTheRulesSay) {
+TEST(BrightnessDays, AMixSendsWhatTheRulesSay) {
   brightness_board::StartAt(kStart_s);
   const auto file = Plan().Bytes();
   ASSERT_LE(file.size(), 512U);
@@ -98,7 +103,7 @@ TEST(BrightnessDays, ThreeDaysOfAMixSendWhatTheRulesSay) {
         << "the time after pass " << pass << " differs";
   }
   EXPECT_EQ(brightness_board::SentValues(), wanted);
-  EXPECT_GT(passesThatSent, 500) << "the plan has hardly run";
+  EXPECT_GT(passesThatSent, 160 * kDays) << "the plan has hardly run";
 }
 
 }  // namespace
