@@ -11,7 +11,7 @@ if(QUIVORD_TOOLS)
   install(DIRECTORY docs/schema DESTINATION ${CMAKE_INSTALL_DATADIR}/quivordctl)
   if(TARGET quivord-manual)
     install(DIRECTORY ${CMAKE_BINARY_DIR}/man/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 FILES_MATCHING PATTERN "*.1")
-    install(FILES ${CMAKE_BINARY_DIR}/man/quivord.8 DESTINATION ${CMAKE_INSTALL_MANDIR}/man8)
+    install(DIRECTORY ${CMAKE_BINARY_DIR}/man/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man8 FILES_MATCHING PATTERN "*.8")
   endif()
   # The client library, with the layout of the messages that it carries.
   install(TARGETS quivord_client quivord_calc ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
