@@ -118,13 +118,13 @@ TEST_P(ResetOfType, ReachesTheFactoryStateAndKeepsWhatItsTypeKeeps) {
 INSTANTIATE_TEST_SUITE_P(, ResetOfType, testing::Values(0, 1, 2, 3, 200),
                          [](const auto& test) { return std::to_string(test.param); });
 
-// Sends the write alone. Power may be gone before its answer is out.
+// Sends the write alone. Its answer may be lost: to the power cut, or to the reset, which drops all
+// messages from its begin.
 std::unique_ptr<quivord::Client> AskForReset(std::uint8_t type) {
   auto client = quivord::Client::Connect({.board = board_kit::Named(), .id = 0x7E0001});
   if (!client) return nullptr;
-  const auto reply = client.value()->Call(
-      {.operation = quivord::Operation::kWrite, .address = 0x01000002, .data = {type}}, 5s);
-  EXPECT_TRUE(reply || reply.error().trouble == quivord::Trouble::kDisconnected);
+  static_cast<void>(client.value()->Call(
+      {.operation = quivord::Operation::kWrite, .address = 0x01000002, .data = {type}}, 5s));
   return std::move(client.value());
 }
 
