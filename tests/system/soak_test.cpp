@@ -23,9 +23,10 @@ using namespace std::chrono_literals;
 using More = std::function<bool()>;
 
 // Windows into spaces that are memory: what is written is read back. Behind the first 256 numbers
-// lies a switch of the colour side.
+// lies a switch of the colour side, and at the end of the first 512 positions two registers whose
+// read measures the FPGA's bus for seconds.
 const model::Window kMemories[] = {{0x02300000, {{0, 512}}}, {0x05060100, {{0, 512}}},
-                                   {0x03000000, {{0, 512}}}, {0x03100000, {{0, 256}}},
+                                   {0x03000200, {{0, 512}}}, {0x03100000, {{0, 256}}},
                                    {0x05000100, {{0, 512}}}, {0xF1700000, {{0, 512}}}};
 
 constexpr std::uint32_t kBusEnd = 0x1F0;     // feature registers from here on are not in the FPGA
