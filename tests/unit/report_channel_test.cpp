@@ -1,11 +1,19 @@
-// The FPGA's report channel: its settings, the self-test, and what a datagram is checked for.
+// The FPGA's report channel: its settings, the self-test, and datagrams over a real socket.
+#include <arpa/inet.h>
 #include <gtest/gtest.h>
+#include <net/if.h>
+#include <netinet/in.h>
+#include <sched.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
+#include <cstring>
 #include <thread>
 
 #include "board/faults.h"
 #include "stub/fpgareportthread.h"
+#include "support/child.h"
 #include "support/device.h"
 #include "support/eventually.h"
 #include "support/inprocess.h"
@@ -113,6 +121,64 @@ TEST(ReportChannel, ThreadTestsWhileItIsToldToAndEnds) {
   EXPECT_EQ(support::Count(said, "Debug ActiveReport thread begin:"), 1);
   EXPECT_EQ(support::Count(said, "Info FpgaThread  exit."), 1);
   EXPECT_EQ(support::Count(said, "Debug ActiveReport thread exit."), 1);
+}
+
+// A socket in a network of this process's own, which has no "eth0" but lets a process talk to
+// itself; -1 where the system lets nobody have one.
+int SocketInOwnNetwork() {
+  // Whoever may have one without becoming somebody else does; the other way takes a single thread.
+  if (unshare(CLONE_NEWNET) != 0 && unshare(CLONE_NEWUSER | CLONE_NEWNET) != 0) return -1;
+  const int own = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+  ifreq loopback{};
+  std::strcpy(loopback.ifr_name, "lo");
+  loopback.ifr_flags = IFF_UP;
+  sockaddr_in to{};
+  to.sin_family = AF_INET;
+  to.sin_port = htons(58200);
+  to.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  const bool up = ioctl(own, SIOCSIFFLAGS, &loopback) == 0 &&
+                  connect(own, reinterpret_cast<const sockaddr*>(&to), sizeof to) == 0;
+  return up ? own : -1;
+}
+
+void ReceiveReports(int sender) {
+  device::Begin("none");
+  device::Log log(0);
+  Data buffer(kReportBuffer);
+  Relaxed<bool> keepOn{true};
+  RecvFpgaReportMsg(0, buffer.data(), keepOn);  // ends where there is no socket
+  for (int again = 0; again < 2; ++again) {
+    if (udp_port_init_sender() != 0) support::Complain("no socket; ");
+  }
+  const auto send = [sender](const Data& datagram) {
+    if (::send(sender, datagram.data(), datagram.size(), 0) < 0) support::Complain("can't send; ");
+  };
+  send(inprocess::Bytes("01 0200 78563412 0200 a0b0 6802"));
+  send(inprocess::Bytes("01 0200 78563412 0104 a0b0 6902"));
+  send(inprocess::Bytes("01 0200 78563412 0200 a0b0 6902"));
+  std::thread receiver([&] { RecvFpgaReportMsg(0, buffer.data(), keepOn); });
+  std::string lines;
+  support::Eventually(
+      [&] { return (lines += log.Take()).find("Recvmsg length") != std::string::npos; });
+  keepOn = false;
+  send(Data(11));  // one more, that ends the wait
+  receiver.join();
+  lines += log.Take();
+  if (lines != "Error Recvmsg checksum is invalid \nError Recvmsg length is invalid 1025\n") {
+    support::Complain("logged: " + lines);
+  }
+}
+
+TEST(ReportChannel, ReportsComeThroughTheSocketAndAreChecked) {
+  constexpr int kNotAllowed = 77;
+  const auto run = support::InChild([] {
+    const int sender = SocketInOwnNetwork();
+    if (sender < 0) _exit(kNotAllowed);
+    ReceiveReports(sender);
+  });
+  if (run.status == kNotAllowed) GTEST_SKIP() << "no network of one's own on this system";
+  EXPECT_EQ(run.status, 0);
+  EXPECT_EQ(run.complaints, "");
 }
 
 }  // namespace
