@@ -76,8 +76,6 @@ void RunPass(SpeedTest kind, const Texts& texts, std::vector<uint8_t>* buffer) {
 void RunSpeedTest(SpeedTest kind, uint32_t length) {
   const Texts& texts = kTexts[static_cast<int>(kind)];
   std::vector<uint8_t> buffer(std::min(length, kBuffer));
-  // A write test writes what the FPGA holds; where it can't be read, what it should hold.
-  static_cast<void>(RefreshPositions(0, static_cast<uint32_t>(buffer.size())));
   LogRepeated(texts.start);
   for (int pass = 0; pass < kPasses; ++pass) RunPass(kind, texts, &buffer);
   LogRepeated(texts.stop);
