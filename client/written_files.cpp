@@ -34,10 +34,11 @@ void NameWrittenFiles(const std::filesystem::path& board) {
   for (CLI::Option* option : Files()) {
     if (option->count() == 0) continue;
     auto name = option->as<std::string>();
-    const std::size_t at = name.find(kBoard);
-    if (at == name.npos) continue;
+    for (std::size_t at = 0; (at = name.find(kBoard, at)) != name.npos; at += called.size()) {
+      name.replace(at, kBoard.size(), called);
+    }
     option->clear();
-    option->add_result(name.replace(at, kBoard.size(), called));
+    option->add_result(name);
     option->run_callback();
   }
 }
