@@ -212,8 +212,9 @@ class Sweep {
     }
   }
 
-  // Cuts power at write `n`, with the seed of lost writes, and starts the daemon on what is left;
-  // `whole` takes the torn write back.
+  // Lets power fail while the `n`-th piece goes to flash, `seed` saying which unsynced ones are
+  // lost as well, and starts the daemon again on what flash then holds; `whole` takes back the torn
+  // one.
   void RunCut(const std::string& id, int n, int seed, bool whole) {
     ++runs_;
     PutBack();
