@@ -60,6 +60,9 @@ void ComeAndGo(const std::filesystem::path& board, unsigned seed, const More& mo
     for (auto left = random() % 30; left > 0; --left) {
       peer.Send(support::Message(ReadFrame(0x02000000, 512), id));
     }
+    // Mostly it keeps to the daemon's pace; all the time in a hurry it would leave the others
+    // nothing.
+    if (random() % 4 != 0) peer.Receive(100ms);
     std::this_thread::sleep_for(std::chrono::microseconds(random() % 3000));
   }
 }
@@ -71,6 +74,7 @@ void Stall(const std::filesystem::path& board, unsigned, const More& more) {
     for (int i = 0; i < 1500; ++i) peer.Send(support::Message(ReadFrame(0x02810000, 1000), kId));
     std::this_thread::sleep_for(100ms);
     while (peer.Receive(20ms)) continue;
+    std::this_thread::sleep_for(500ms);  // the others' turn
   }
 }
 
