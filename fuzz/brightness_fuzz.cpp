@@ -2,14 +2,13 @@
 // space, moves light, clock and the outside device's word, and lets the loop's share of an hour
 // pass. Cards get only what the plan in force can give, and afterwards a plain plan still runs.
 #include <fuzzer/FuzzedDataProvider.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
 #include "brightness_watch.h"
+#include "home.h"
 #include "mcuctrace.h"
 #include "process/proc_poll.h"
 #include "proto/addr_hardwarebrightnessadjust.h"
@@ -217,12 +216,7 @@ void APlainPlanRuns() {
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
-  g_board = std::filesystem::temp_directory_path() /
-            ("quivord-fuzz-brightness-" + std::to_string(getpid()));
-  std::filesystem::create_directories(g_board);
-  setenv("QUIVORD_BOARD", g_board.c_str(), 1);
-  setenv("TZ", "UTC0", 1);
-  std::atexit([] { std::filesystem::remove_all(g_board); });
+  g_board = home::Make();
   g_logLevel = kLogNothing;
   inprocess::Start();
   Data_Global::getInstance()->GigaPhyLinkSta = 0xFFFF;

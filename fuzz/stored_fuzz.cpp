@@ -76,11 +76,12 @@ void ReadIdentity() {
   Write(0x00000016, "3132333435363738");
 }
 
-// Headers and packs of files for the cards, found and sent.
+// Headers and packs of files for the cards, found and sent: what a client reads of them, and each
+// file that the header can name, and one that it can't.
 void ReadCardFiles() {
   inprocess::Read(0x0F000000, 1024);
   inprocess::Read(0x0F002000, 64);
-  for (const char* number : {"00", "01", "0f"}) Write(0x0FF00100, number);
+  for (const u8 number : {0, 1, 31, 255}) Data_Global::getInstance()->LoadRvCfgFromFlash(number);
 }
 
 // Brightness plans, as a start finds them and as some seconds go on; the mix switched off and on.
@@ -127,6 +128,7 @@ static_assert(std::string_view(Chosen().name) == QUIVORD_FORMAT);
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   constexpr const Format& kFormat = Chosen();
+  world::Start();
   world::Bytes rest(data, size);
   for (const Piece& piece : kFormat.pieces) {
     if (piece.length == 0) break;

@@ -1,16 +1,14 @@
 #include "world.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdio>
-#include <filesystem>
 #include <fstream>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "board/board.h"
+#include "home.h"
 #include "mcuctrace.h"
 #include "stub/startup.h"
 #include "support/inprocess.h"
@@ -21,23 +19,6 @@ namespace {
 using namespace ZEPH_MCUC;
 
 int g_sent = 0;
-
-std::filesystem::path MakeFolder() {
-  std::string name =
-      (std::filesystem::is_directory("/dev/shm") ? std::filesystem::path("/dev/shm")
-                                                 : std::filesystem::temp_directory_path()) /
-      "quivord-fuzz-XXXXXX";
-  if (mkdtemp(name.data()) == nullptr) {
-    std::perror(name.c_str());
-    std::exit(1);
-  }
-  static const std::string made = name;
-  std::atexit([] {
-    std::error_code ignored;
-    std::filesystem::remove_all(made, ignored);
-  });
-  return made;
-}
 
 // Every message that leaves is one envelope and one whole frame.
 void CheckSent(const std::uint8_t* message, std::uint32_t length) {
@@ -70,8 +51,7 @@ McuQMBThread& Front() {
 
 void Start() {
   static const bool started = [] {
-    setenv("QUIVORD_BOARD", MakeFolder().c_str(), 1);
-    setenv("TZ", "UTC", 1);
+    home::Make();
     g_logLevel = kLogNothing;
     inprocess::Start();
     return true;
