@@ -33,10 +33,16 @@ std::string ModesText() {
   return text;
 }
 
+// A number from 1 to `most`.
+std::optional<std::uint64_t> ParseCount(const std::string& word, std::uint64_t most) {
+  const auto number = ParseNumber(word, most);
+  return number == 0 ? std::nullopt : number;
+}
+
 quivord::Result<wall::Smart> FromNumbers(const ConfigureWords& words) {
-  const auto rows = ParseNumber(words.rows, 255);
-  const auto columns = ParseNumber(words.columns, 255);
-  const auto perCable = ParseNumber(words.perCable, 65535);
+  const auto rows = ParseCount(words.rows, 255);
+  const auto columns = ParseCount(words.columns, 255);
+  const auto perCable = ParseCount(words.perCable, 512);
   const auto mode = wall::ParseMode(words.cables);
   if (!rows.has_value()) return Wrong("--rows is a number from 1 to 255");
   if (!columns.has_value()) return Wrong("--columns is a number from 1 to 255");
