@@ -113,7 +113,11 @@ void Poke(const Words& words) {
   for (const std::string& byte : words.bytes) {
     cells.push_back(static_cast<std::uint8_t>(Number(byte, 0, 255, "byte")));
   }
-  board::StoreCells(words.fpga, address, static_cast<std::uint32_t>(cells.size()), cells.data());
+  const auto length = static_cast<std::uint32_t>(cells.size());
+  if (!board::ReserveCells(words.fpga, address, length)) {
+    throw Refusal(kFailed, "no room on the disk of " + board::Folder().string());
+  }
+  board::StoreCells(words.fpga, address, length, cells.data());
 }
 
 void SetFault(const Words& words) {

@@ -143,6 +143,8 @@ void CreateCards() {
   if (file) SetLinks(Config());
 }
 
+void OpenCards() { TheWall(); }
+
 void WriteCards(const CardAddress& to, std::uint32_t first, std::span<const std::uint8_t> data) {
   TheWall().ForCards(to, [&](Card& card) {
     card.CountPacket();

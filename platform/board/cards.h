@@ -13,6 +13,9 @@ namespace board {
 // made anew, and the link bits with it.
 void CreateCards();
 
+// The same, and takes hold of the file: what becomes of it later does not end this process.
+void OpenCards();
+
 // Whom a packet is for. A port of kAllPorts is every port, a board of kAllBoards every device of
 // the type on the port.
 struct CardAddress {

@@ -1,6 +1,7 @@
 #include "board/cells.h"
 
 #include <fcntl.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -74,14 +75,37 @@ Room& RoomOfCells() {
   return room;
 }
 
-bool ReservePage(std::size_t index, std::uint32_t page) {
-  auto& known = RoomOfCells().known[index][page];
-  if (known.load(std::memory_order_relaxed)) return true;
-  const int file = RoomOfCells().files[index].get();
-  const bool room =
-      fallocate(file, 0, off_t{page} * kPage, kPage) == 0 || (errno != ENOSPC && errno != EDQUOT);
-  if (room) known.store(true, std::memory_order_relaxed);
-  return room;
+bool HasRoom(int index, std::uint32_t page) {
+  return RoomOfCells().known[static_cast<std::size_t>(index)][page].load(std::memory_order_relaxed);
+}
+
+bool ReservePage(int index, std::uint32_t page) {
+  if (HasRoom(index, page)) return true;
+  Room& room = RoomOfCells();
+  const auto fpga = static_cast<std::size_t>(index);
+  if (fallocate(room.files[fpga].get(), 0, off_t{page} * kPage, kPage) != 0 &&
+      (errno == ENOSPC || errno == EDQUOT)) {
+    return false;
+  }
+  room.known[fpga][page].store(true, std::memory_order_relaxed);
+  return true;
+}
+
+// Whether all pages of a run are as `good` says.
+bool AllPages(int index, std::uint32_t first, std::uint32_t length,
+              bool (*good)(int, std::uint32_t)) {
+  for (std::uint32_t page = first / kPage; page <= (first + length - 1) / kPage; ++page) {
+    if (!good(index, page)) return false;
+  }
+  return true;
+}
+
+// Reads cells past the mapping, which takes room on disk for each page that it touches.
+void LoadFromFile(int index, std::uint32_t first, std::uint32_t length, std::byte* data) {
+  const int file = RoomOfCells().files[static_cast<std::size_t>(index)].get();
+  if (pread(file, data, length, off_t{first}) != static_cast<ssize_t>(length)) {
+    std::memset(data, 0, length);
+  }
 }
 
 // Cells are moved by relaxed atomic accesses, as wide as their place allows.
@@ -173,7 +197,9 @@ void SetLinks(const Settings& settings) { SetLinksOf(Cells(1), settings); }
 void LoadCells(int index, std::uint32_t address, std::uint32_t length, void* data) {
   auto* const bytes = static_cast<std::byte*>(data);
   ForPieces(address, length, [&](std::uint32_t cell, std::uint32_t piece, std::uint32_t done) {
-    Load(Cells(index) + cell, piece, bytes + done);
+    if (AllPages(index, cell, piece, HasRoom))
+      return Load(Cells(index) + cell, piece, bytes + done);
+    LoadFromFile(index, cell, piece, bytes + done);
   });
 }
 
@@ -187,9 +213,7 @@ void StoreCells(int index, std::uint32_t address, std::uint32_t length, const vo
 bool ReserveCells(int index, std::uint32_t address, std::uint32_t length) {
   bool room = true;
   ForPieces(address, length, [&](std::uint32_t cell, std::uint32_t piece, std::uint32_t) {
-    for (std::uint32_t page = cell / kPage; page <= (cell + piece - 1) / kPage; ++page) {
-      room = room && ReservePage(static_cast<std::size_t>(index), page);
-    }
+    room = AllPages(index, cell, piece, ReservePage) && room;
   });
   return room;
 }

@@ -25,8 +25,8 @@ void CreateCells(const std::filesystem::path& folder, const Settings& settings);
 void LoadCells(int index, std::uint32_t address, std::uint32_t length, void* data);
 void StoreCells(int index, std::uint32_t address, std::uint32_t length, const void* data);
 
-// Makes sure that the cells have room on the disk: touching a cell that has none ends the process.
-// False where the disk is full.
+// Makes sure that the cells have room on the disk: to store a cell that has none ends the process,
+// to load one takes a road past the mapping. False where the disk is full.
 bool ReserveCells(int index, std::uint32_t address, std::uint32_t length);
 
 // As StoreCells, but leaves the status cells alone: a write that comes over the bus.

@@ -46,7 +46,8 @@ std::optional<std::string> WithSetting(std::string_view lines, std::string_view 
 }
 
 bool SetLineOfFile(const std::string& file, std::string_view key, std::string_view value) {
-  const FileHandle lock = LockFolder(std::filesystem::path(file).parent_path());
+  const FileHandle lock = TryLockFolder(std::filesystem::path(file).parent_path());
+  if (!lock) return false;
   const auto fresh = WithSetting(ReadWhole(file).value_or(""), key, value);
   return fresh && ReplaceWhole(file, *fresh);
 }

@@ -29,13 +29,17 @@ FileHandle::~FileHandle() {
   if (descriptor_ >= 0) close(descriptor_);
 }
 
-FileHandle LockFolder(const std::filesystem::path& folder) {
+FileHandle TryLockFolder(const std::filesystem::path& folder) {
   FileHandle handle(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  int result = -1;
-  do {
-    result = handle ? flock(handle.get(), LOCK_EX) : -1;
-  } while (result != 0 && errno == EINTR);
-  if (result != 0) Fail("cannot lock " + folder.string() + ": " + Reason());
+  while (handle && flock(handle.get(), LOCK_EX) != 0) {
+    if (errno != EINTR) return FileHandle(-1);
+  }
+  return handle;
+}
+
+FileHandle LockFolder(const std::filesystem::path& folder) {
+  FileHandle handle = TryLockFolder(folder);
+  if (!handle) Fail("cannot lock " + folder.string() + ": " + Reason());
   return handle;
 }
 

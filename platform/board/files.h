@@ -40,7 +40,11 @@ class FileHandle {
 
 // Waits for the lock on a folder, which other processes and threads respect; held with the handle.
 // It outlives every file in the folder, so files can be replaced under it.
+// Ends the program where the folder can't be locked.
 FileHandle LockFolder(const std::filesystem::path& folder);
+
+// The same; an empty handle where the folder can't be locked, for instance because it is gone.
+FileHandle TryLockFolder(const std::filesystem::path& folder);
 
 // The file's bytes; nothing where it can't be read.
 std::optional<std::string> ReadWhole(const std::filesystem::path& path);

@@ -52,25 +52,30 @@ FileHandle OpenStore(Store store, int flags) {
   return FileHandle(open(StorePath(store).c_str(), flags | O_CLOEXEC, 0644));
 }
 
-// All bytes or none: what the file doesn't have is not read.
-bool ReadStore(const Access& access, std::uint8_t* data) {
-  const FileHandle file = OpenStore(access.store, O_RDONLY);
+// Whether the access lies in what the file has: a store that something has cut short fails behind
+// its end. The temporary store is made by its first write, no longer than that needs: one that a
+// reset left unfinished is then told from a whole one.
+bool LiesIn(const FileHandle& file, const Access& access) {
   struct stat status {};
   if (!file || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
-  const auto size = static_cast<std::uint64_t>(status.st_size);
-  if (size < std::uint64_t{access.address} + access.length) return false;
+  if (access.direction == 'W' && access.store == Store::kTmp) return true;
+  return std::uint64_t{access.address} + access.length <=
+         static_cast<std::uint64_t>(status.st_size);
+}
+
+// All bytes or none.
+bool ReadStore(const Access& access, std::uint8_t* data) {
+  const FileHandle file = OpenStore(access.store, O_RDONLY);
+  if (!LiesIn(file, access)) return false;
   return pread(file.get(), data, access.length, access.address) ==
          static_cast<ssize_t>(access.length);
 }
 
 // Writes the first `moved` bytes and notes them.
 bool WriteStore(const Access& access, std::span<const std::uint8_t> moved) {
-  // The temporary store is made by its first write, no longer than that needs: one that a reset
-  // left unfinished is then told from a whole one.
   const int creation = access.store == Store::kTmp ? O_CREAT : 0;
   const FileHandle file = OpenStore(access.store, O_RDWR | creation);
-  struct stat status {};
-  if (!file || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
+  if (!LiesIn(file, access)) return false;
   std::vector<std::uint8_t> before(moved.size());  // beyond the end of a new store: zeros
   if (pread(file.get(), before.data(), before.size(), access.address) < 0) return false;
   NoteWrite(access.store, access.address, before, moved);

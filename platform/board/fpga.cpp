@@ -45,12 +45,13 @@ void TraceAccess(const Access& access, bool done, const void* data) {
   Trace(TraceKind::kFpga, words + Hex(data, done ? access.length : 0));
 }
 
-// Runs `move` unless the access cannot be or is to fail; a full disk makes it fail, too.
+// Runs `move` unless the access cannot be or is to fail; a write fails on a full disk, too.
 template <typename Move>
 std::int32_t Perform(const Access& access, Fault fault, const void* data, Move move) {
   const auto order = TraceOrder(TraceKind::kFpga);
-  const bool done = access.Possible(data) && !TakeFault(fault) &&
-                    ReserveCells(access.index, access.address, access.length);
+  bool done = access.Possible(data) && !TakeFault(fault);
+  const bool room = done && ReserveCells(access.index, access.address, access.length);
+  done = room || (done && access.direction == 'R');
   if (done) move();
   if (order) TraceAccess(access, done, data);
   return done ? 0 : -1;

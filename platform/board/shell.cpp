@@ -117,7 +117,7 @@ namespace platform {
 
 void Initialize() {
   board::CreateStores();
-  board::CreateCards();
+  board::OpenCards();
 }
 
 std::string DevicePath(std::string_view path) { return board::InFolder(path, board::Folder()); }
