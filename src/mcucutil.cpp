@@ -21,16 +21,4 @@ int Bytes2String(const uint8_t* src, int length, char* dst, int max) {
   return 3 * length;
 }
 
-std::string ShellQuote(std::string_view word) {
-  std::string quoted = "'";
-  for (const char c : word) {
-    if (c == '\'') {
-      quoted += "'\\''";
-    } else {
-      quoted += c;
-    }
-  }
-  return quoted + "'";
-}
-
 }  // namespace ZEPH_MCUC

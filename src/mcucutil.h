@@ -1,4 +1,4 @@
-// Bytes that threads share, byte helpers, delays, shell words.
+// Bytes that threads share, byte helpers, delays.
 #pragma once
 
 #include <array>
@@ -6,8 +6,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <string>
-#include <string_view>
 
 namespace ZEPH_MCUC {
 
@@ -89,8 +87,5 @@ void Delay(int ms);
 // its length, 3 * length. A null or empty source, or 3 * length not below `max`, gives an empty
 // text and 0. `dst` has room for `max` characters.
 int Bytes2String(const uint8_t* src, int length, char* dst, int max);
-
-// `word` as one word of a shell command, whatever characters it holds.
-std::string ShellQuote(std::string_view word);
 
 }  // namespace ZEPH_MCUC

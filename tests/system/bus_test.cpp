@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <set>
 
 #include "board/files.h"
 #include "stub/mcucmessagestruct_layout.h"
@@ -71,6 +72,41 @@ TEST_F(Bus, ReplyIsPinnedByteForByte) {
                       "55AA 00000000 0000 0000 0000 000040F0 0400 8956")));
   EXPECT_EQ(peer.Receive(), Bytes("34127F00 00000000 00000000 00000000 00000000 0000 1C00 18000000"
                                   "AA55 00000000 0000 0000 0000 000040F0 0400 11223344 3357"));
+}
+
+// What a daemon holds open, by kind or by place in the board's folder, a log without its number;
+// without what it got from this process.
+std::multiset<std::string> OpenFiles(const support::Daemon& daemon) {
+  namespace fs = std::filesystem;
+  std::multiset<std::string> files;
+  for (const auto& entry :
+       fs::directory_iterator("/proc/" + std::to_string(daemon.pid()) + "/fd")) {
+    std::error_code missing;  // it may be closed meanwhile, and here there may be none
+    const std::string target = fs::read_symlink(entry, missing);
+    const fs::path own = "/proc/self/fd" / entry.path().filename();
+    if (target.empty() || fs::read_symlink(own, missing) == target) continue;
+    const std::string board = daemon.board().string() + "/";
+    const std::string name = target.starts_with(board) ? target.substr(board.size()) : target;
+    const std::size_t number = std::min(name.find_first_of("[_"), name.size());
+    files.insert(name.starts_with("anon") ? name : name.substr(0, number));
+  }
+  return files;
+}
+
+TEST_F(Bus, DaemonHoldsOpenWhatItServesWithAndNothingElse) {
+  const std::multiset<std::string> needed = {"output.txt",
+                                             "output.txt",  // standard output and error
+                                             "var/run/quivord.pid",
+                                             "log/quivord",  // its lock and its log
+                                             "fpga/0.mem",
+                                             "fpga/1.mem",  // the simulated FPGAs
+                                             "socket:",
+                                             "anon_inode:[eventpoll]",
+                                             "anon_inode:[eventfd]"};  // the bus
+  Start();
+  Load();
+  EXPECT_TRUE(support::Eventually([&] { return OpenFiles(*daemon_) == needed; }))
+      << testing::PrintToString(OpenFiles(*daemon_));
 }
 
 struct Case {

@@ -116,6 +116,8 @@ TEST(Identity, WriteTakesWhatIsTheClientsAndNothingElse) {
       0  | )" + all + R"( | 22 | 7777777777777777 | env set device_sn 7777777777777777
       61 | 00aabbccddeeff | 61 | 00aabbccddeeff
          | shell /usr/brm100/bin/fw_setenv ethaddr aa:bb:cc:dd:ee:ff; env set ethaddr_set 1
+      61 | 00273b60242826 | 61 | 00273b60242826
+         | shell /usr/brm100/bin/fw_setenv ethaddr 27:3b:60:24:28:26; env set ethaddr_set 1
       62 | aabbccddeeff
     )")) {
     SCOPED_TRACE(row[0] + " " + row[1]);

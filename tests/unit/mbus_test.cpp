@@ -326,11 +326,28 @@ TEST_F(MessageBus, FloodingPeerDoesNotKeepOthersWaiting) {
   flood.join();
 }
 
-TEST_F(MessageBus, SilentConnectionsKeepNobodyOut) {
+void AllowManyFiles() {
   rlimit files{};
   getrlimit(RLIMIT_NOFILE, &files);
   files.rlim_cur = std::min<rlim_t>(files.rlim_max, 4096);
   setrlimit(RLIMIT_NOFILE, &files);
+}
+
+TEST_F(MessageBus, KeepsFiveHundredAndTwelvePeersAndRefusesTheNext) {
+  constexpr std::uint32_t kMost = 512;
+  AllowManyFiles();
+  std::vector<RawPeer> peers;
+  peers.reserve(kMost);
+  for (std::uint32_t i = 0; i < kMost; ++i) peers.push_back(Connect(kAlice + i));
+  EXPECT_TRUE(RawPeer(board_kit::Named(), kAlice + kMost).Ended());
+  peers.pop_back();
+  EXPECT_TRUE(Eventually([&] { return !Connected(kAlice + kMost - 1); }));
+  peers.push_back(Connect(kAlice + kMost));
+  EXPECT_TRUE(Connected(kAlice));
+}
+
+TEST_F(MessageBus, SilentConnectionsKeepNobodyOut) {
+  AllowManyFiles();
   RawPeer alice = Connect(kAlice);
   std::vector<RawPeer> silent;
   silent.reserve(700);

@@ -1,10 +1,9 @@
-// Bytes that threads share, and shell words.
+// Bytes that threads share.
 #include <gtest/gtest.h>
 
 #include <array>
 
 #include "mcucutil.h"
-#include "support/board_kit.h"
 
 namespace {
 
@@ -20,14 +19,6 @@ TEST(SharedBytes, RangesAreCutToTheArray) {
   std::array<uint8_t, 4> into = {9, 9, 9, 9};
   bytes.read(6, into);
   EXPECT_EQ(into, (std::array<uint8_t, 4>{17, 18, 9, 9}));
-}
-
-TEST(ShellQuote, GivesTheShellOneWordAsItIs) {
-  for (const char* word : {"plain", "", "two words", "it's", "''", "$(id) `id` $HOME", "a\\b\"c",
-                           "; rm -r x", "star*", "line\nbreak"}) {
-    const auto ran = board_kit::RunCommand("printf '[%s]' " + ShellQuote(word));
-    EXPECT_EQ(ran.output, std::string("[") + word + "]");
-  }
 }
 
 }  // namespace
