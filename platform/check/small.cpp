@@ -7,16 +7,15 @@
 namespace check {
 
 void Network(Report& report, const Options& options) {
-  report.Holds(ifcfg_set_curr_ip("192.168.0", "255.255.255.0", "192.168.0.1") != 0,
-               "what is no address is refused");
+  constexpr const char* kClaims[] = {"the way to an address is chosen", "an address is set",
+                                     "what is no address is refused"};
   if (!options.lasting) {
-    report.Skip("the way to an address is chosen", "needs --lasting");
-    report.Skip("an address is set", "needs --lasting");
+    for (const char* const claim : kClaims) report.Skip(claim, "needs --lasting");
     return;
   }
-  report.Holds(ifcfg_set_eth_mode(0) == 0, "the way to an address is chosen");
-  report.Holds(ifcfg_set_curr_ip("192.168.0.10", "255.255.255.0", "192.168.0.1") == 0,
-               "an address is set");
+  report.Holds(ifcfg_set_eth_mode(0) == 0, kClaims[0]);
+  report.Holds(ifcfg_set_curr_ip("192.168.0.10", "255.255.255.0", "192.168.0.1") == 0, kClaims[1]);
+  report.Holds(ifcfg_set_curr_ip("no address", "255.255.255.0", "192.168.0.1") != 0, kClaims[2]);
 }
 
 void Info(Report& report, const Options& options) {

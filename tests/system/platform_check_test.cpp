@@ -55,6 +55,20 @@ TEST(PlatformCheck, AllHoldsOnABoardAndNothingIsLeftOut) {
   EXPECT_NE(run.out.find(" 0 do not, 0 not tried\n"), std::string::npos) << run.out;
 }
 
+// Not even a write that is to be refused: a port that is half done might take it.
+TEST(PlatformCheck, NothingLastingIsTouchedUnasked) {
+  board_kit::Configure("trace = flash clock clockchip net info\n");
+  EXPECT_EQ(Check({}).status, 0);
+  bool live = false;
+  for (const std::string& line : board_kit::TraceLines()) {
+    const bool written = line.starts_with("flash W live ");
+    const bool whole = line.find(" 16777217 ") != std::string::npos;
+    EXPECT_TRUE((written && !whole) || line.starts_with("flash R ")) << line;
+    live = live || written;
+  }
+  EXPECT_TRUE(live);
+}
+
 TEST(PlatformCheck, WrongUseIsSaid) {
   for (const char* const word : {"--no-such-option", "no-such-subject", "--echo", "--card"}) {
     const auto run = Check({word});

@@ -11,8 +11,8 @@ extern "C" {
 // all is as before.
 int32_t ifcfg_set_eth_mode(int32_t mode);
 
-// Sets the static address: three texts of dotted decimals. 0 on success; otherwise all is as
-// before.
+// Sets the static address: three texts of dotted decimals. Refuses a text that is none. 0 on
+// success; otherwise all is as before.
 int32_t ifcfg_set_curr_ip(const char* ip, const char* mask, const char* gateway);
 
 }  // extern "C"
