@@ -31,7 +31,8 @@ constexpr Subject kSubjects[] = {
 constexpr char kUsage[] =
     "quivord-platform-check [--lasting] [--echo TASK] [--card PORT BOARD] [SUBJECT...]\n"
     "Calls every function of the platform and says what holds of its contract.\n"
-    "  --lasting          also what can't be put back: clock, factory stores, network, info store\n"
+    "  --lasting          also what can't be put back: clock, clock chip, factory stores,\n"
+    "                     network, info store\n"
     "  --echo TASK        a task on the bus that sends back every message, such as 0x7F0001\n"
     "  --card PORT BOARD  a receiving card that answers\n"
     "Subjects: system envcfg flash fpga recvcard mbus inputsource edid gamma network info; all\n"

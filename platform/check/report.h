@@ -71,6 +71,7 @@ bool AtOnce(int threads, const std::function<bool(int)>& work);
 
 // The checks, a header or two each.
 void System(Report& report, const Options& options);
+void Devices(Report& report, const Options& options);  // the rest of System
 void Environment(Report& report, const Options& options);
 void Flash(Report& report, const Options& options);
 void Fpga(Report& report, const Options& options);
