@@ -5,6 +5,11 @@ if(CMAKE_CXX_COMPILER_ID MATCHES Clang)
   add_compile_options(-Wthread-safety)
 endif()
 
+# Times after 2038 and files of any size; platform/system.h refuses to compile without.
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+  add_compile_definitions(_FILE_OFFSET_BITS=64 _TIME_BITS=64)
+endif()
+
 if(QUIVORD_SANITIZE)
   if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
     # Instrumented code hides from the compiler what it needs to see that these are no faults.

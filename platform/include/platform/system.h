@@ -5,12 +5,17 @@
 #pragma once
 
 #include <sys/time.h>
+#include <sys/types.h>
 
 #include <cstdint>
 #include <cstdio>
 #include <ctime>
 #include <string>
 #include <string_view>
+
+// Daemon and platform agree on times, also on a 32-bit machine.
+static_assert(sizeof(std::time_t) == 8 && sizeof(off_t) == 8,
+              "compile with -D_TIME_BITS=64 -D_FILE_OFFSET_BITS=64");
 
 namespace platform {
 
