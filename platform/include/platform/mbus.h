@@ -1,7 +1,8 @@
 // The message bus between the processes of one device, and the card's place in its slot.
 //
-// Every message is a 28-byte envelope and a frame. The bus relays by the task identifier in the
-// envelope's first four bytes; the daemon sends everything to the dispatching task, which delivers.
+// Every message is a 28-byte envelope and a frame. The daemon sends everything to the dispatching
+// task, number 0x070400, which delivers by the task identifier in the envelope's first four bytes;
+// in a message that arrives these name the sender. The daemon's own number is 0x0A4200.
 #pragma once
 
 #include <cstdint>
@@ -20,7 +21,8 @@ struct mbus_msg_t;
 typedef int32_t (*mbus_handler_t)(mbus_sess_t* session, void* self, void* data, int32_t length);
 
 // Registers this process as task `id`; afterwards its messages reach the callback. `flags` is 0.
-// Failure: negative, and nothing arrives. Called once, before any other function of the bus.
+// Failure: negative, and nothing arrives; it is not called again. Called once, before any other
+// function of the bus but `cardsel_bit_self`, which gives `id` its slot.
 int32_t mbus_init(taskid_t id, int32_t flags);
 
 // Waits for messages and runs `handler` for each on the calling thread. Returns now and then, also
@@ -50,7 +52,7 @@ int32_t mbus_send(taskid_t id, const void* buffer, uint32_t length);
 // -1 while task `id` is not connected, anything else when it is. Does not wait.
 int32_t mbus_connect_chk_task_by_taskid(taskid_t id);
 
-// This card's slot code, 0 to 255; stable while the process lives.
+// This card's slot code, 0 to 255; stable while the process lives. Called before `mbus_init` too.
 uint8_t cardsel_bit_self();
 
 }  // extern "C"
