@@ -126,6 +126,7 @@ for folder in usr bin lib lib64 proc dev; do
   mkdir $root/$folder && mount --rbind /$folder $root/$folder
 done
 mount --bind "$BIN" $root/programs
+chroot $root /programs/quivord-requests-on-template 2>/dev/null
 await() { for i in $(seq 600); do grep -qs "$1" $root/log/* && return; sleep 0.1; done; echo "no $1"; }
 setpriv --pdeathsig KILL -- chroot $root /programs/quivord-on-template -debug >$root/said 2>&1 &
 await 'Finish main init'
@@ -141,6 +142,7 @@ await 'load flag to OWD'  # it goes on without an FPGA
 sleep 1; kill -0 $! && echo stays
 stop
 )",
+     "0x00010000: 0\n0x0a000000: 4\n0x0a000000: 0 00 00\n0x0a000000: 0\n0xf0000000: 0 00 00 00 00\n"
      "its number\nstays\n"},
     {"ReadOnlyBoardIsRefused",
      R"(
