@@ -2,7 +2,10 @@
 include(GNUInstallDirs)
 
 install(TARGETS quivord quivord-platform-check RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+# For who brings the daemon to a device: the functions, the records of one of them, a beginning.
 install(DIRECTORY platform/include/platform DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/quivord)
+install(FILES src/driverutil_comif.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/quivord)
+install(DIRECTORY platform/template DESTINATION ${CMAKE_INSTALL_DATADIR}/quivord)
 if(QUIVORD_TOOLS)
   install(TARGETS quivord-board quivordctl quivord-wall RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
   install(FILES client/completion/quivordctl.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
