@@ -6,7 +6,8 @@
 //   bit 15  leaves the frame as it stands; else tag and sum are made right, and the length of a
 //           write that of its data,
 //   bit 14  leaves the address as it stands; else its top byte chooses a register space,
-//   bit 13  keeps the work queued for now.
+//   bit 13  keeps the work queued for now,
+//   bit 12  makes the frame sixteen times as long: the same bytes again and again.
 #include <algorithm>
 #include <vector>
 
@@ -26,6 +27,7 @@ constexpr unsigned kLengthBits = 0x0FFF;
 constexpr unsigned kAsItStands = 0x8000;
 constexpr unsigned kOwnAddress = 0x4000;
 constexpr unsigned kKeepQueued = 0x2000;
+constexpr unsigned kSixteenfold = 0x1000;
 
 void PutInSpace(std::vector<std::uint8_t>* bytes) {
   std::uint8_t* const at = bytes->data() + frame::kRegister;
@@ -69,6 +71,14 @@ void Forget() {
   Data_Global::getInstance()->RebootRF = EN_NOT_REBOOT;
 }
 
+std::vector<std::uint8_t> FrameOf(world::Bytes bytes, unsigned word) {
+  std::vector<std::uint8_t> frame;
+  for (int times = (word & kSixteenfold) != 0 ? 16 : 1; times > 0; --times) {
+    frame.insert(frame.end(), bytes.begin(), bytes.end());
+  }
+  return frame;
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -81,7 +91,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (length == 0) {
       PassOfTheLoop();
     } else {
-      Deliver({data + at, data + at + length}, word);
+      Deliver(FrameOf({data + at, length}, word), word);
     }
     at += length;
   }

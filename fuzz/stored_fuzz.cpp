@@ -26,7 +26,15 @@ struct Format {
   const char* name;
   Piece pieces[5];  // the input fills them one behind the other; a length of 0 ends them
   void (*readBack)();
+  void (*choose)(std::uint8_t bits) = nullptr;  // takes a byte in front of the pieces
+  bool repeats = false;  // what is left for the last piece fills it again and again
 };
+
+// Bit 0: the first boot after a factory reset.
+void ChooseBoot(std::uint8_t bits) {
+  constexpr std::uint8_t kFirst[] = {'f', 'i', 'r', 's', 't', 'b', 'o', 'o', 't', '=', '1', '\n'};
+  world::PutEnvironment((bits & 1) != 0 ? world::Bytes(kFirst) : world::Bytes());
+}
 
 // As a start does it once the FPGA has loaded.
 void Restore() {
@@ -62,9 +70,9 @@ void ReadSettings() {
   for (u8 group = 0; group < 16; ++group) inputs->ReadEDIDInfo(group, edid);
 }
 
-// A gamma set by its tags, and the modes that choose what is loaded.
+// A gamma set by its tags, and the modes that choose what is loaded, with one that is none.
 void ReadGamma() {
-  for (const char* mode : {"00", "58", "59"}) Write(0x02200117, mode);
+  for (const char* mode : {"00", "58", "78", "59"}) Write(0x02200117, mode);
   inprocess::Read(0x0E000000, 4);
 }
 
@@ -96,12 +104,14 @@ void ReadPlans() {
 
 constexpr Format kFormats[] = {
     {"image",
-     {{flash::kFeature, 512},
-      {flash::kPosition, 40960},
-      {flash::kNumber, 768},
+     {{flash::kMorSMode, 1},
       {flash::kScreenSize, 0x60},
-      {flash::kMorSMode, 1}},
-     ReadImage},
+      {flash::kNumber, 768},
+      {flash::kFeature, 512},
+      {flash::kPosition, 40960}},
+     ReadImage,
+     ChooseBoot,
+     true},
     {"shortcut", {{flash::kShortcut, 0x1000}}, ReadShortcut},
     {"settings", {{flash::kEdidRecord, 0x100}}, ReadSettings},
     {"gamma",
@@ -124,18 +134,31 @@ constexpr const Format& Chosen() {
 }
 static_assert(std::string_view(Chosen().name) == QUIVORD_FORMAT);
 
+// Where the input ends, a new store goes on.
+void Fill(const Piece& piece, world::Bytes bytes, bool repeats) {
+  world::ResetStore(piece.address, piece.length);
+  std::size_t at = 0;
+  do {
+    const world::Bytes part = bytes.first(std::min(bytes.size(), piece.length - at));
+    world::PutStore(piece.address + static_cast<std::uint32_t>(at), part);
+    at += part.size();
+  } while (repeats && !bytes.empty() && at < piece.length);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   constexpr const Format& kFormat = Chosen();
   world::Start();
   world::Bytes rest(data, size);
-  for (const Piece& piece : kFormat.pieces) {
-    if (piece.length == 0) break;
-    world::ResetStore(piece.address, piece.length);
-    const std::size_t taken = std::min(rest.size(), piece.length);
-    world::PutStore(piece.address, rest.first(taken));
-    rest = rest.subspan(taken);
+  if (kFormat.choose != nullptr) {
+    kFormat.choose(rest.empty() ? std::uint8_t{0} : rest[0]);
+    rest = rest.subspan(std::min<std::size_t>(rest.size(), 1));
+  }
+  const Piece* const end = std::ranges::find(kFormat.pieces, std::size_t{0}, &Piece::length);
+  for (const Piece* piece = kFormat.pieces; piece != end; ++piece) {
+    Fill(*piece, rest, kFormat.repeats && piece + 1 == end);
+    rest = rest.subspan(std::min(rest.size(), piece->length));
   }
   kFormat.readBack();
   return 0;
