@@ -87,6 +87,7 @@ class Sweep {
     }
     SweepCuts();
     std::printf("%s: %d runs, %zu failed\n", operation_.name, runs_, failures_.size());
+    if (runs_ == 0) failures_.push_back("there is no run " + choice_.only);
     return failures_;
   }
 
