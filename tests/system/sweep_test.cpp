@@ -69,22 +69,28 @@ void ConfigureWall() {
   for (int pass = 0; pass < 2; ++pass) ZEPH_MCUC::McuQMBThread::CalculateSenderParaHandler();
 }
 
-// A list of times under mode byte 0, which stores it, then its own mode byte, which starts it.
-void UploadList() {
+// A plan's table under mode byte 0, which stores it, then its own mode byte, which starts it.
+void UploadPlan(std::initializer_list<std::pair<std::size_t, std::uint8_t>> bytes,
+                const char* mode) {
   std::vector<std::uint8_t> table(512);
-  table[1] = 2;
-  for (const auto& [at, value] :
-       {std::pair{0x20, 0x08}, {0x21, 0x20}, {0x80, 0x03}, {0x81, 0x03}, {0xA0, 200}, {0xA1, 20}}) {
-    table[static_cast<std::size_t>(at)] = static_cast<std::uint8_t>(value);
-  }
+  for (const auto& [at, value] : bytes) table[at] = value;
   inprocess::Write(0x0A000000, table);
   inprocess::DrainQueue();
-  Write(0x0A000000, "5b");
+  Write(0x0A000000, mode);
+}
+
+void UploadList() {
+  UploadPlan({{1, 2}, {0x20, 0x08}, {0x21, 0x20}, {0x80, 3}, {0x81, 3}, {0xA0, 200}, {0xA1, 20}},
+             "5b");
+}
+
+void UploadSensor() {
+  UploadPlan({{1, 1}, {5, 0xE8}, {6, 0x03}, {9, 255}, {10, 10}, {11, 10}}, "7d");
 }
 
 // The mode byte alone rewrites the first 0x1000 bytes page by page, and comes also where the table
 // before it was lost.
-std::vector<sweep::Region> ListRegions() {
+std::vector<sweep::Region> PlanRegions() {
   std::vector<sweep::Region> regions = {{0xB8B000, 1, 2}, {0xB8B001, 0xFF, 2}};
   for (std::uint32_t at = 0x100; at < 0x1000; at += 0x100) {
     regions.push_back({0xB8B000 + at, 0x100, at < 0x200 ? 2 : 1});
@@ -101,6 +107,8 @@ void UploadMix() {
   inprocess::Write(0x0A000000, mix.Bytes());
   inprocess::DrainQueue();
 }
+
+void StoreNoHdr() { device::PutFlash(0xC21000, "00000000000000000000"); }
 
 // A gamma set by pieces, which loads it too.
 void UploadGamma() {
@@ -208,12 +216,25 @@ const Operation kOperations[] = {
      .act = [] { Write(0x02810000, "b9"); },
      .regions = Saved({{0xB99000, 1}, {0xC20000, 8}, kChanges, {0xC20040, 15}}, 2, 5),
      .pageEnd = 0x1EC},
-    {.name = "list", .prepare = [] {}, .act = UploadList, .regions = ListRegions()},
+    {.name = "list", .prepare = [] {}, .act = UploadList, .regions = PlanRegions()},
+    {.name = "sensor", .prepare = [] {}, .act = UploadSensor, .regions = PlanRegions()},
     {.name = "mix", .prepare = [] {}, .act = UploadMix, .regions = {{0xB8B000, 0x200}}},
     {.name = "hdr",
-     .prepare = [] { device::PutFlash(0xC21000, "00000000000000000000"); },
+     .prepare = StoreNoHdr,
      .act = [] { Write(0x02200117, "58"); },
      .regions = {{0xC21000, 10}}},
+    {.name = "hlg",
+     .prepare = StoreNoHdr,
+     .act = [] { Write(0x02200117, "78"); },
+     .regions = {{0xC21000, 10}}},
+    {.name = "sdr",
+     .prepare = StoreNoHdr,
+     .act =
+         [] {
+           Write(0x02200117, "58");
+           Write(0x02200117, "00");
+         },
+     .regions = {{0xC21000, 10, 2}}},
     {.name = "gamma", .prepare = [] {}, .act = UploadGamma, .regions = GammaRegions()},
     // A reset prepares a store beside the live one, which stays as it is until the reboot.
     {.name = "reset", .prepare = [] {}, .act = [] { Reset("00"); }, .regions = {}},
