@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <fstream>
 
-#include "board/envstore.h"
 #include "board/faults.h"
 #include "board/files.h"
 #include "board/journal.h"
@@ -14,11 +13,10 @@
 #include "support/child.h"
 #include "support/device.h"
 #include "support/inprocess.h"
+#include "support/sweep_board.h"
 
 namespace sweep {
 namespace {
-
-namespace fs = std::filesystem;
 
 using board::Fault;
 using board::FaultRow;
@@ -32,10 +30,6 @@ constexpr int kMostCuts = 8;
 constexpr int kSeeds = 2;    // of lost writes at each cut
 constexpr int kRetries = 3;  // tries of an FPGA or flash access
 
-fs::path Tmp() { return board::StorePath(board::Store::kTmp); }
-
-std::string EnvFile() { return board::Folder() / "usr/zeph/etc/envcfg/env"; }
-
 void ClearTrace() { std::ofstream(board_kit::Named() / "trace.log", std::ios::trunc); }
 
 // What is wrong with a run, or empty.
@@ -43,11 +37,11 @@ std::string Outcome(const support::ChildResult& run) {
   return run.status == 0 ? run.complaints : "ended with " + std::to_string(run.status);
 }
 
-// What an operation leaves in the FPGA: the feature page, the number and the position tables.
-std::string FpgaContent(const Operation& operation) {
-  return device::Fpga(0x18, operation.pageEnd - 0x18) + device::Fpga(0x500000, 0x200) +
-         device::Fpga(0x501000, 0x80) + device::Fpga(0x502000, 0x80) +
-         device::Fpga(0x600000, 0xA000);
+// `regions` with `more`, all free.
+std::vector<Region> Freed(std::vector<Region> regions, const std::vector<Region>& more) {
+  regions.insert(regions.end(), more.begin(), more.end());
+  for (Region& region : regions) region.free = true;
+  return regions;
 }
 
 void ClearFaults() {
@@ -74,9 +68,9 @@ class Sweep {
     board::CreateStores();
     const std::string factory = board::FactoryImage();
     PutStore({reinterpret_cast<const std::uint8_t*>(factory.data()), factory.size()});
-    board::ReplaceWhole(EnvFile(), "");
+    MakeNewFiles();
     operation_.prepare();
-    env_ = board::ReadWhole(EnvFile()).value_or("");
+    files_ = ReadFiles();
     before_.assign(Store().begin(), Store().end());
   }
 
@@ -104,8 +98,7 @@ class Sweep {
   // The same, as it was in front of the operation.
   void PutBack() const {
     PutStore(before_);
-    board::ReplaceWhole(EnvFile(), env_);
-    fs::remove(Tmp());
+    PutFiles(files_);
     ComeBack();
   }
 
@@ -122,13 +115,17 @@ class Sweep {
     if (inprocess::Read(kShortcut, 4).m_data.size() != 4) Complain("doesn't serve; ");
   }
 
-  // In a child: the operation, undisturbed, ends in the right state.
-  void Finish() const {
+  // In a child: the operation, undisturbed, ends in the right state, but for what `lasting` frees.
+  void Finish(const Lasting& lasting = {}) const {
     operation_.act();
-    const std::string wrong = Difference(Store(), after_, operation_.regions);
-    if (!wrong.empty()) Complain("done once more: " + wrong + "; ");
-    if (board::ReadWhole(Tmp()) != tmp_) Complain("done once more: the temporary store differs; ");
-    if (FpgaContent(operation_) != fpga_) Complain("done once more: the FPGA differs; ");
+    std::vector<Region> regions = Freed({}, lasting.store);
+    regions.insert(regions.end(), operation_.regions.begin(), operation_.regions.end());
+    for (const std::string& wrong :
+         {Difference(Store(), after_, regions),
+          Difference(ReadCells(operation_.pageEnd), cellsAfter_, lasting.cells),
+          Difference(ReadFiles(), filesAfter_)}) {
+      if (!wrong.empty()) Complain("done once more: " + wrong + "; ");
+    }
   }
 
   bool TakeReference() {
@@ -142,9 +139,9 @@ class Sweep {
     for (const auto& write : cuts_) {
       if (write) writes_.push_back(*write);
     }
-    tmp_ = board::ReadWhole(Tmp());
     after_.assign(Store().begin(), Store().end());
-    fpga_ = FpgaContent(operation_);
+    cellsAfter_ = ReadCells(operation_.pageEnd);
+    filesAfter_ = ReadFiles();
     Expect("undisturbed", Outcome(run));
     Expect("undisturbed", Recount(writes_, operation_.regions));
     Expect("undisturbed", Judge(after_, before_, writes_, operation_.regions, {}));
@@ -192,12 +189,22 @@ class Sweep {
       if (board::FaultCount(fault) > 0) Complain("the access was not reached; ");
       ClearFaults();
       Probe();
-      if (std::ranges::count(operation_.lasting, id) != 0) return;
-      const std::string wrong = Judge(Store(), before_, writes_, operation_.regions, {});
+      const Lasting lasting = LastingOf(id);
+      const std::string wrong =
+          lasting.store.empty()
+              ? Judge(Store(), before_, writes_, operation_.regions, {})
+              : Difference(Store(), before_, Freed(operation_.regions, lasting.store));
       if (!wrong.empty()) Complain(wrong + "; ");
-      Finish();
+      Finish(lasting);
     });
     Expect(id, Outcome(run));
+  }
+
+  Lasting LastingOf(const std::string& id) const {
+    const auto found = std::ranges::find_if(operation_.lasting, [&](const Lasting& lasting) {
+      return std::ranges::count(lasting.runs, id) != 0;
+    });
+    return found == operation_.lasting.end() ? Lasting{} : *found;
   }
 
   void SweepCuts() {
@@ -251,11 +258,11 @@ class Sweep {
 
   const Operation& operation_;
   const Choice choice_;
-  std::string env_;
-  Bytes before_;
+  Bytes before_;  // the live store
   Bytes after_;
-  std::string fpga_;
-  std::optional<std::string> tmp_;               // the temporary store, where there is one
+  Cells cellsAfter_;
+  Files files_;  // before the operation
+  Files filesAfter_;
   std::vector<std::optional<StoreWrite>> cuts_;  // all writes, each of which is cut
   std::vector<StoreWrite> writes_;               // those to the live store
   int runs_ = 0;

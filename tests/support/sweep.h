@@ -1,6 +1,7 @@
 // The sweep: one operation of the daemon, again and again on the same board, each time with one of
 // its accesses failed or with power cut at one of its flash writes. After each run the daemon
-// serves, the store holds old or new content, and the operation, done once more, ends as it should.
+// serves, the store holds old or new content, and the operation, done once more, ends as it should,
+// in the store, in the FPGA and in the files of the board.
 //
 // Runs are named; a failure names the one that shows it:
 //   once:KIND:N       the N-th access of KIND fails, with its retries
@@ -20,6 +21,13 @@
 
 namespace sweep {
 
+// Runs whose fault a run without it can't make good, and what it leaves to any value for good.
+struct Lasting {
+  std::vector<std::string> runs;
+  std::vector<Region> store = {};
+  std::vector<Region> cells = {};  // of the FPGA
+};
+
 struct Operation {
   const char* name;
   // What the store, the environment and the board's files hold beforehand; no daemon runs yet.
@@ -27,8 +35,7 @@ struct Operation {
   // The operation, on a daemon that has started. Done twice it ends in the same state as done once.
   std::function<void()> act;
   std::vector<Region> regions;
-  // Runs whose fault a run without it can't make good: there the daemon has to serve, no more.
-  std::vector<std::string> lasting = {};
+  std::vector<Lasting> lasting = {};
   // Whether the daemon's start includes the restore into the FPGA, or is the operation itself that.
   bool online = true;
   // Where the feature page of the FPGA ends as far as the operation fills it. What lies behind, up

@@ -58,13 +58,19 @@ bool IsMix(const Bytes& content, const std::vector<Bytes>& contents) {
   return true;
 }
 
+}  // namespace
+
+bool Covers(const std::vector<Region>& regions, std::size_t address) {
+  return std::ranges::any_of(regions, [=](const Region& region) {
+    return address >= region.address && address < region.address + region.length;
+  });
+}
+
 std::string At(std::size_t address, const std::string& text) {
   std::ostringstream line;
   line << "0x" << std::hex << address << " " << text;
   return line.str();
 }
-
-}  // namespace
 
 std::vector<std::optional<StoreWrite>> TracedWrites(const std::vector<std::string>& lines) {
   std::vector<std::optional<StoreWrite>> writes;
@@ -125,13 +131,12 @@ std::string Recount(const std::vector<StoreWrite>& writes, const std::vector<Reg
 }
 
 std::string Difference(View store, View wanted, const std::vector<Region>& regions) {
+  std::vector<Region> free = regions;
+  std::erase_if(free, [](const Region& region) { return !region.free; });
   for (std::size_t at = 0; at < store.size(); ++at) {
     while (at % kPage == 0 && at < store.size() && SamePage(store, wanted, at)) at += kPage;
     if (at == store.size() || store[at] == wanted[at]) continue;
-    const bool free = std::ranges::any_of(regions, [=](const Region& region) {
-      return region.free && at >= region.address && at < region.address + region.length;
-    });
-    if (!free) return At(at, "differs");
+    if (!Covers(free, at)) return At(at, "differs");
   }
   return "";
 }

@@ -21,6 +21,12 @@ struct Region {
   bool free = false;  // holds a count, or what depends on how often the operation ran: any value
 };
 
+// Whether one of `regions` holds the byte at `address`.
+bool Covers(const std::vector<Region>& regions, std::size_t address);
+
+// `text` behind the address.
+std::string At(std::size_t address, const std::string& text);
+
 // One write to the live store.
 struct StoreWrite {
   std::uint32_t address;

@@ -9,6 +9,7 @@
 #include "proto/calc_curves.h"
 #include "proto/data_common_tables.h"
 #include "stub/mcuqmbthread.h"
+#include "support/board_kit.h"
 #include "support/brightness_bytes.h"
 #include "support/device.h"
 #include "support/inprocess.h"
@@ -138,6 +139,16 @@ void Reset(const char* type) {
   ZEPH_MCUC::Tprocess_ctl::getInstance()->RebootAfterRF();
 }
 
+// Card files that an upload replaces or removes, and a client's settings that a reset removes.
+void UseFiles() {
+  for (const char* const name :
+       {"usr/zeph/etc/owd/cabCfg/AllCabCfgFileName", "usr/zeph/etc/owd/cabCfg/RvCfgFile_1.rcfgx",
+        "usr/zeph/etc/owd/cabCfg/RvCfgFile_9.rcfgx", "root/.config/Zephyrix/Cormoran.ini",
+        "usr/brm100/bin/kye/bin/Configure/system.ini"}) {
+    board_kit::Put(name, "of old");
+  }
+}
+
 // Model, serial number and MAC address.
 void WriteIdentity() {
   Write(0x00000002, "2b1a");
@@ -203,9 +214,13 @@ const Operation kOperations[] = {
            device::Restore(true);
          },
      .regions = Saved({{0xC20000, 8}, kChanges, {0xC20040, 15}}),
-     // Without the stored size a card of 128 by 128 is taken, and remains. A first boot that isn't
+     // Without the stored size a card of 128 by 128 is taken, and remains: in the screen's
+     // records and in the page from its own size up to the ports' windows. A first boot that isn't
      // seen is a start like any other, which sends more of the page.
-     .lasting = {"forever:flash-read", "once:env-open:1", "forever:env-open"},
+     .lasting = {{.runs = {"forever:flash-read"},
+                  .store = {{0xC20000, 8}, {0xC20040, 15}, {0xA3B124, 0x154}, {0xA3B2EC, 4}},
+                  .cells = {{0x24, 0x154}, {0x1EC, 4}}},
+                 {.runs = {"once:env-open:1", "forever:env-open"}, .cells = {{0x1EC, 4}}}},
      .online = false},
     {.name = "smart",
      .prepare = [] {},
@@ -237,20 +252,21 @@ const Operation kOperations[] = {
      .regions = {{0xC21000, 10, 2}}},
     {.name = "gamma", .prepare = [] {}, .act = UploadGamma, .regions = GammaRegions()},
     // A reset prepares a store beside the live one, which stays as it is until the reboot.
-    {.name = "reset", .prepare = [] {}, .act = [] { Reset("00"); }, .regions = {}},
-    {.name = "resetnetwork", .prepare = [] {}, .act = [] { Reset("01"); }, .regions = {}},
-    {.name = "resetkeeping", .prepare = [] {}, .act = [] { Reset("02"); }, .regions = {}},
-    {.name = "resetall", .prepare = [] {}, .act = [] { Reset("03"); }, .regions = {}},
+    {.name = "reset", .prepare = UseFiles, .act = [] { Reset("00"); }, .regions = {}},
+    {.name = "resetnetwork", .prepare = UseFiles, .act = [] { Reset("01"); }, .regions = {}},
+    {.name = "resetkeeping", .prepare = UseFiles, .act = [] { Reset("02"); }, .regions = {}},
+    {.name = "resetall", .prepare = UseFiles, .act = [] { Reset("03"); }, .regions = {}},
     {.name = "identity",
      .prepare = [] { device::PutFlash(0x1000, std::string(512, '1').c_str()); },
      .act = WriteIdentity,
      .regions = {{0x1002, 2, 3}, {0x1016, 8, 3}, {0x103D, 7, 3}},
      // The area is written as it was read: what can't be read is lost.
-     .lasting = {"once:flash-read:1", "once:flash-read:2", "once:flash-read:3",
-                 "forever:flash-read"}},
+     .lasting = {{.runs = {"once:flash-read:1", "once:flash-read:2", "once:flash-read:3",
+                           "forever:flash-read"},
+                  .store = {{0x1000, 2}, {0x1004, 0x12}, {0x101E, 0x1F}, {0x1044, 0xBC}}}}},
     {.name = "edid", .prepare = [] {}, .act = WriteEdid, .regions = {{0x200000, 72}}},
     {.name = "cardfiles",
-     .prepare = [] {},
+     .prepare = UseFiles,
      .act = UploadAndReplay,
      .regions = {{0xE00000, 72}, {0xE00800, 3}, {0xE02000, 41}, {0xE02029, 3}, {0xE03000, 41}}},
 };
