@@ -1,9 +1,9 @@
 // `DriverUtil`: the one gateway between the daemon and its hardware.
 //
 // A source a subject: the FPGA bus (driverutil.cpp), flash (driver_flash.cpp), cards
-// (driver_cards.cpp), time, clock chip and status probe (driver_clock.cpp). All operations may be
-// called from any thread. A result of 0 or above is success unless an operation says more; failures
-// are logged and never stop the daemon.
+// (driver_cards.cpp), their files (driver_cardfiles.cpp), time, clock chip and status probe
+// (driver_clock.cpp). All operations may be called from any thread. A result of 0 or above is
+// success unless an operation says more; failures are logged and never stop the daemon.
 #pragma once
 
 #include <array>

@@ -57,8 +57,7 @@ class Reports:
                 return report
             others.append(report.text or f"0x{report.address:08X} {report.data.hex()}")
         came = "; it reported " + ", ".join(others) if others else " and nothing else either"
-        what = repr(wanted) if isinstance(wanted, (str, int)) else "such a report"
-        raise NoAnswerError(f"a report of {what}", f"none in {timeout:g} seconds{came}")
+        raise NoAnswerError(f"a report of {_name(wanted)}", f"none in {timeout:g} seconds{came}")
 
     def close(self) -> None:
         """Stops listening."""
@@ -86,3 +85,9 @@ def _says(report: Report, wanted: Union[str, int, Callable[[Report], bool]]) -> 
     if isinstance(wanted, int):
         return report.address == wanted
     return wanted(report)
+
+
+def _name(wanted: Union[str, int, Callable[[Report], bool]]) -> str:
+    if isinstance(wanted, int):
+        return f"0x{wanted:08X}"
+    return repr(wanted) if isinstance(wanted, str) else "such a report"

@@ -3,7 +3,8 @@
 //
 // A source a subject: the space (addr_hardwarebrightnessadjust.cpp), what a write of the table sets
 // off (…_table.cpp), the start of a plan (…_start.cpp), what the loop's ticks do (…_tick.cpp), the
-// light sensors (…_sensor.cpp), and the ways to the cards (…_send.cpp).
+// watch over an outside device (…_watch.cpp), the light sensors (…_sensor.cpp), and the ways to the
+// cards (…_send.cpp). When a tick comes is `Proc_Poll`'s (process/proc_poll.cpp).
 #pragma once
 
 #include <array>
@@ -70,7 +71,7 @@ class Addr_HardWareBrightnessAdjust
   static void ProgrammableBrightnessAdjust();
   static void AutoBrightnessAdjust();
   static void MixBrightnessAdjust();
-  // The watch over the outside device; every second.
+  // The watch over the outside device (…_watch.cpp); every second.
   static void SeiralComErrorProcess();
 
   // --- The light sensors (…_sensor.cpp); flag thread --------------------------------------------

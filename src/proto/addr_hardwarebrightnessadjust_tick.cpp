@@ -5,15 +5,12 @@
 #include "mcuctrace.h"
 #include "proto/addr_hardwarebrightnessadjust.h"
 #include "proto/calc_brightness_lux.h"
-#include "proto/calc_brightness_watchdog.h"
 
 namespace ZEPH_MCUC {
 
 using Brightness = Addr_HardWareBrightnessAdjust;
 
 namespace {
-
-using brightness::WatchAction;
 
 constexpr u8 kReadingsOfSensorMode = 6;  // for one average
 constexpr u8 kFaultsBorne = 2;           // failed readings in a row, in the mix
@@ -181,43 +178,6 @@ void RepeatInMix() {
   if (MixRuns()) Brightness::SendBrightness(brightness::kAllPorts, Brightness::LastGlobalBri);
 }
 
-void TellCards(uint8_t screen) {
-  Brightness::NewSendReceiveCardPara(brightness::kCardScreen, brightness::kAllPorts,
-                                     brightness::kAllBoards, 1, &screen);
-}
-
-void StartMixInstead() {
-  Brightness::MixBrightnessAdjustEnable = ENABLE;
-  Brightness::BrightnessAdjustInit();
-}
-
-void Act(WatchAction action) {
-  switch (action) {
-    case WatchAction::kShowScreen:
-      MCUC_LOG(kLogInfo, "=============== SeiralComErrorProcess TimeOut Black==================");
-      TellCards(brightness::kScreenShown);
-      break;
-    case WatchAction::kLoseScreen:
-      TellCards(brightness::kScreenLost);
-      break;
-    case WatchAction::kStopMix:
-      MCUC_LOG(kLogInfo, "=============== SeiralComErrorProcess TimeOut DISABLE==================");
-      Brightness::MixBrightnessAdjustEnable = DISABLE;
-      Brightness::MixAutoBriAdjustEnable = DISABLE;
-      break;
-    case WatchAction::kStartMix:
-      MCUC_LOG(kLogInfo, "=============== SeiralComErrorProcess Adj==================");
-      StartMixInstead();
-      break;
-    case WatchAction::kStartMixAtBoot:
-      MCUC_LOG(kLogInfo, "=============== SeiralComErrorProcess TimeOut Adjust ==================");
-      StartMixInstead();
-      break;
-    case WatchAction::kNone:
-      break;
-  }
-}
-
 }  // namespace
 
 void Brightness::TimeToOver_Handler() {
@@ -258,19 +218,6 @@ void Brightness::MixBrightnessAdjust() {
   ArriveInMix();
   ReadSensorsInMix();
   RepeatInMix();
-}
-
-void Brightness::SeiralComErrorProcess() {
-  const CMutexGuardT guard(m_plan);
-  using brightness::Watch;
-  const bool alive = DevComLinkState != 0;
-  const Watch watch = SerialCtrlScreenBlackEnable ? Watch::kCards
-                      : HardwareCtrlAdjustEnable  ? Watch::kMix
-                                                  : Watch::kNobody;
-  const auto step = brightness::StepWatch(watch, alive, TIM2_PeriodCnt, UartDiscOvertime);
-  TIM2_PeriodCnt = step.silent_s;
-  Act(step.action);
-  if (alive) DevComLinkState = 0;
 }
 
 }  // namespace ZEPH_MCUC

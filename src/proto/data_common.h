@@ -44,8 +44,9 @@ class Data_Global : public Singleton<Data_Global> {
   vu8 NormalBackupStatus;  // 1 in normal operation, 0 after a role write or a boot in a role
   vu8 PbufMorSMode;        // 0 master, 1 slave
   vu8 LEDConfigStatus;
-  vu8 RWFPGATestflag;                 // 1 runs the FPGA self-test
-  vu32 CalculateParaHandlerCnt;       // smart configurations that wait for the calculation
+  vu8 RWFPGATestflag;  // 1 runs the FPGA self-test
+  // Smart configurations that wait to be laid out; `McuQMBThread::CalculateSenderParaHandler` does.
+  vu32 CalculateParaHandlerCnt;
   SharedBytes<32> TmpCalcScreenPara;  // RAM copy of the head of the shortcut area
   SharedBytes<512>
       SendParameterReg;            // image of the feature registers; below 0x1F0 also of the FPGA
@@ -85,7 +86,7 @@ class Data_Global : public Singleton<Data_Global> {
   // The tag of a store that has been saved to, and of stored tables.
   static constexpr std::array<uint8_t, 4> IsNewFlashTag = {0x39, 0xF6, 0xA5, 0x5A};
 
-  // --- Feature image and FPGA in step (data_store_screen.cpp); any thread -----------------------
+  // --- Feature image and FPGA in step (data_featurebus.cpp); any thread -------------------------
 
   // Puts `bytes` into the image at `offset` and onto the FPGA bus, in one step for whoever
   // refreshes the image. 0, or -1 where the bus failed; the image then has them all the same.
@@ -121,7 +122,7 @@ class Data_Global : public Singleton<Data_Global> {
     static_cast<void>(SendImageBlock(0x1AE));
   }
 
-  // --- Store (data_store.cpp); any thread -----------------------------------------------------
+  // --- Store (data_store*.cpp, the first reading in data_restore.cpp); any thread ----------------
   // None reports a failure but by the log, and a failed step never stops the next.
 
   // Stores what a single write does not: the images and tables, then "sync". `sel` as above; any

@@ -19,6 +19,8 @@ constexpr uint32_t kStoredScreenPara = 15;
 constexpr uint8_t kInputModes[] = {0x20, 0x21, 0x10};
 constexpr uint16_t kForward = 0xFFFF;  // a port distance for a positive offset
 
+constexpr std::size_t kMostRestored = 5120;  // bytes
+
 enum class BypassMode : uint8_t { kOff = 0, kFromService = 2 };
 
 void LogWrite(const char* what, int32_t result) {
@@ -208,6 +210,19 @@ void RestoreNormal(Data_Global* data) {
 }
 
 }  // namespace
+
+void Data_Global::RestoreDataFromFlash(uint8_t sel, std::span<uint8_t> into) {
+  MCUC_LOG(kLogInfo,
+           "========================== Begin restore data from flash ========================");
+  const auto length = static_cast<uint32_t>(std::min(into.size(), kMostRestored));
+  const uint32_t address = sel == kRestoreFeature ? flash::kFeature : flash::kBasicInfo;
+  if (sel == kRestoreFeature) {
+    MCUC_LOG(kLogInfo, "=======Restore FPGA from flash RegesiterAddr = " << CTrace::hex << address);
+  }
+  DriverUtil::getInstance()->ReadBytesFromFlash(address, length, into.data());
+  MCUC_LOG(kLogInfo,
+           "========================== Finish restore data from flash =======================");
+}
 
 // Roles and screen registers.
 void Data_Global::BootRecover() {
