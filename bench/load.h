@@ -31,6 +31,7 @@ struct Figures {
   double cpu_us = 0;    // of the server, a request
   double user_us = 0;   // of it outside the kernel; counted in ticks of 10 ms
   double stall_us = 0;  // how late the machine woke a thread that slept beside the run, at worst
+  double own_worst_us = 0;  // the worst wait less that, and not below the median
 };
 
 // Keeps `depth` requests in flight on each link, one thread a link, for about `duration`, after a
