@@ -55,6 +55,8 @@ std::uint64_t AllocationsOf(std::string_view thread) {
   return sum;
 }
 
+std::uint64_t OwnAllocations() { return t_count == nullptr ? 0 : t_count->calls.load(); }
+
 }  // namespace bench
 
 void* operator new(std::size_t size) { return bench::Take(size); }

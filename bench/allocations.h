@@ -10,4 +10,7 @@ namespace bench {
 // it known; at most 64 threads are.
 std::uint64_t AllocationsOf(std::string_view thread);
 
+// How often the calling thread has. Takes nothing from the heap itself.
+std::uint64_t OwnAllocations();
+
 }  // namespace bench

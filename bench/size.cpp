@@ -20,8 +20,11 @@
 #include "allocations.h"
 #include "driverutil.h"
 #include "own_board.h"
+#include "process/scaler.h"
 #include "process/tprocess_ctl.h"
 #include "process_usage.h"
+#include "proto/calc_hc.h"
+#include "proto/data_common.h"
 #include "proto/registerspace_names.h"
 #include "proto/tshl_ctl.h"
 #include "seqpacket.h"
@@ -145,8 +148,9 @@ std::size_t UseRegisters(const support::Daemon& daemon) {
   return asked;
 }
 
-// What joins several registers, as a user calls it.
+// What joins several registers, as a user calls it. A plan stays in force behind them.
 std::size_t UseCommands(const std::string& folder) {
+  const std::string file = folder + "/start.rcfgx";
   const std::vector<std::vector<std::string>> commands = {
       {"inputs"},
       {"edid", "set", "--mode", "1920x1080@59.94"},
@@ -159,6 +163,12 @@ std::size_t UseCommands(const std::string& folder) {
       {"brightness", "set", "60%"},
       {"wall", "configure", "--rows", "4", "--columns", "3", "--cables", "top-left-rows",
        "--per-cable", "6", "--wait"},
+      {"wall", "configure", "--rows", "32", "--columns", "64", "--cables", "top-left-rows",
+       "--per-cable", "205", "--wait"},
+      {"files", "pack", support::Source("examples/card-file.txt"), file},
+      {"files", "put", file},
+      {"files", "send", "0"},
+      {"brightness", "plan", support::Source("examples/brightness-mix.json")},
       {"output", "open"},
       {"save"},
       {"reload"},
@@ -167,8 +177,7 @@ std::size_t UseCommands(const std::string& folder) {
     std::vector<std::string> command = {support::Built("quivordctl"), "--board", folder};
     command.insert(command.end(), words.begin(), words.end());
     const auto run = support::Run(command, {}, seconds(60));
-    if (run.status != 0)
-      std::printf("        quivordctl %s: %s", words[0].c_str(), run.err.c_str());
+    if (run.status != 0) throw std::runtime_error("quivordctl " + words[0] + ": " + run.err);
   }
   return commands.size();
 }
@@ -224,11 +233,11 @@ class OwnDaemon {
     Send(id.data(), id.size());
   }
 
-  // Reads `length` bytes at `address` `times` times; the last reply's number of bytes.
-  std::size_t Read(std::uint32_t address, std::uint16_t length, int times) const {
+  // Sends the read `times` times; the last reply's number of bytes.
+  std::size_t Read(const FrameHead& read, int times) const {
     std::array<std::uint8_t, kEnvelopeSize + frame::kShortest> packet;
     WriteEnvelope({.largeLabel = LABEL_MSG, .payloadLength = frame::kShortest}, packet.data());
-    WriteFrame({.registerAddress = address, .dataLength = length}, {}, &packet[kEnvelopeSize]);
+    WriteFrame(read, {}, &packet[kEnvelopeSize]);
     static std::array<std::uint8_t, 70000> reply;
     ssize_t size = 0;
     for (int i = 0; i < times; ++i) {
@@ -247,28 +256,63 @@ class OwnDaemon {
   int socket_ = -1;
 };
 
-void MeasureHeap(const std::string& folder) {
-  const OwnDaemon daemon(folder);
+void MeasureReads(const OwnDaemon& daemon) {
   constexpr int kTimes = 2000;
   const struct {
     const char* what;
-    std::uint32_t address;
-    std::uint16_t length;
-  } reads[] = {{"4 bytes of the FPGA", 0xF0000100, 4}, {"1024 bytes of the FPGA", 0xF0000100, 1024},
-               {"feature page", 0x02000000, 512},      {"screen info echo", 0x02100000, 256},
-               {"position table", 0x03000000, 4096},   {"a page of the flash", 0x02300000, 512}};
-  for (const auto& read : reads) {
-    daemon.Read(read.address, read.length, 100);  // what is kept for the next is made
+    FrameHead read;
+  } reads[] = {
+      {"4 bytes of the FPGA", {.registerAddress = 0xF0000100, .dataLength = 4}},
+      {"1024 bytes of the FPGA", {.registerAddress = 0xF0000100, .dataLength = 1024}},
+      {"feature page", {.registerAddress = 0x02000000, .dataLength = 512}},
+      {"screen info echo", {.registerAddress = 0x02100000, .dataLength = 256}},
+      {"position table", {.registerAddress = 0x03000000, .dataLength = 4096}},
+      {"a page of the flash", {.registerAddress = 0x02300000, .dataLength = 512}},
+      {"a card behind a port",
+       {.deviceType = JSHL_TypeReceiver, .registerAddress = 0x02000001, .dataLength = 256}}};
+  for (const auto& [what, read] : reads) {
+    daemon.Read(read, 100);  // what is kept for the next is made
     const std::uint64_t recv = bench::AllocationsOf("quivord-recv");
     const std::uint64_t bus = bench::AllocationsOf("quivord-bus");
-    const std::size_t bytes = daemon.Read(read.address, read.length, kTimes);
+    const std::size_t bytes = daemon.Read(read, kTimes);
     const double each = static_cast<double>(bench::AllocationsOf("quivord-recv") - recv +
                                             bench::AllocationsOf("quivord-bus") - bus) /
                         kTimes;
-    if (bytes != read.length) throw std::runtime_error(std::string(read.what) + " did not come");
-    const std::string text = "heap, a read of " + std::string(read.what);
+    if (bytes != read.dataLength) throw std::runtime_error(std::string(what) + " did not come");
+    const std::string text = "heap, a read of " + std::string(what);
     Say(text.c_str(), each, 1.01, "(the data)");
   }
+}
+
+void ScalerPair() {
+  scaler_pair_param_t window{
+      1, 0, 0, {0, 0, 3840, 2160}, {-100, 50, 2500, 900}, {0, 0, 1920, 1080}};
+  scaler_cal_param_t pair{};
+  ScalerPairConfig(0, &window, &pair);
+}
+
+void LoadGamma() { Data_Global::getInstance()->SendCardHDRProcess(hc::kHDR10); }
+
+// Work that is done on this thread.
+void MeasureWork() {
+  constexpr int kTimes = 20;
+  const struct {
+    const char* what;
+    void (*work)();
+  } all[] = {{"heap, a scaler pair: four splits", ScalerPair},
+             {"heap, HDR10 tables, calculated and loaded", LoadGamma}};
+  for (const auto& [what, work] : all) {
+    work();  // what is kept for the next is made
+    const std::uint64_t before = bench::OwnAllocations();
+    for (int i = 0; i < kTimes; ++i) work();
+    Say(what, static_cast<double>(bench::OwnAllocations() - before) / kTimes, 0.01, "(none)");
+  }
+}
+
+void MeasureHeap(const std::string& folder) {
+  const OwnDaemon daemon(folder);
+  MeasureReads(daemon);
+  MeasureWork();
 }
 
 }  // namespace
