@@ -4,30 +4,31 @@
 #include <cstdint>
 #include <vector>
 
-#include "support/brightness_bytes.h"
+#include "quivord/messages.h"
 
 namespace deeds {
 
+using Bytes = std::vector<std::uint8_t>;
+
 struct Deed {
   std::uint32_t address;
-  std::vector<std::uint8_t> data;
+  Bytes data;
+  // Registers that show these bytes once it is done, and for ever after, whatever else of this
+  // table is done. No bytes where there is no such place.
+  struct {
+    std::uint32_t address = 0;
+    Bytes bytes = {};
+  } shown = {};
+  quivord::Target target = {};
+
+  quivord::Request Request() const {
+    return {.operation = quivord::Operation::kWrite,
+            .target = target,
+            .address = address,
+            .data = data};
+  }
 };
 
-inline std::vector<Deed> All() {
-  const brightness_bytes::Mix mix{.nodes = {{6, 0, false, 0x7F, 30}, {18, 0, true, 0x7F, 0}},
-                                  .sensors = {{0, 0, 0, 1}},
-                                  .map = {{100, 20}, {1000, 90}},
-                                  .fallback = 50};
-  return {{0x0A000000, mix.Bytes()},
-          {0x0A000000, {0x00}},
-          {0x02200117, {0x58}},
-          {0x02200117, {0x59}},
-          {0x02200117, {0x00}},
-          {0x0E002000, std::vector<std::uint8_t>(1024, 7)},
-          {0x12010000, std::vector<std::uint8_t>(0x20, 1)},
-          {0x0F008000, std::vector<std::uint8_t>(1024, 9)},
-          {0x02400000, {0x01, 0x00}},
-          {0x01000018, {0x01}}};
-}
+std::vector<Deed> All();
 
 }  // namespace deeds

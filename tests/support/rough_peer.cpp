@@ -1,9 +1,12 @@
 #include "support/rough_peer.h"
 
+#include <fstream>
 #include <random>
+#include <system_error>
 #include <thread>
 
 #include "stub/frame_layout.h"
+#include "support/board_kit.h"
 #include "support/raw_peer.h"
 
 namespace rough {
@@ -42,6 +45,12 @@ Bytes Garbage(std::mt19937& random, std::uint32_t id) {
   }
 }
 
+// Sleeps, but no longer than `more` lets it.
+void Rest(std::chrono::milliseconds length, const More& more) {
+  const auto end = std::chrono::steady_clock::now() + length;
+  while (more() && std::chrono::steady_clock::now() < end) std::this_thread::sleep_for(10ms);
+}
+
 }  // namespace
 
 void SendGarbage(const std::filesystem::path& board, unsigned seed, const More& more) {
@@ -72,10 +81,44 @@ void Stall(const std::filesystem::path& board, unsigned, const More& more) {
   RawPeer peer(board, kId);
   while (more()) {
     for (int i = 0; i < 1500; ++i) peer.Send(support::Message(ReadFrame(0x02810000, 1000), kId));
-    std::this_thread::sleep_for(100ms);
+    Rest(100ms, more);
     while (peer.Receive(20ms)) continue;
-    std::this_thread::sleep_for(500ms);  // the others' turn
+    Rest(500ms, more);  // the others' turn
   }
+}
+
+void Disturb(const std::filesystem::path& board, unsigned seed, const More& more) {
+  std::mt19937 random(seed);
+  while (more()) {
+    const auto port = random() % 2;
+    board_kit::RunTool("link " + std::to_string(port) + (random() % 2 == 0 ? " down" : " up") +
+                       " " + board.string());
+    std::ofstream(board / "sensors/lux") << (random() % 3 == 0 ? "fail" : "900");
+    const std::int64_t offset = static_cast<std::int64_t>(random() % 2000000) * 1000000;
+    std::fstream(board / "clock", std::ios::in | std::ios::out | std::ios::binary)
+        .write(reinterpret_cast<const char*>(&offset), sizeof(offset));
+    Rest(50ms, more);
+  }
+}
+
+Crowd::Crowd(const std::filesystem::path& board, unsigned seed) {
+  for (const auto work : {SendGarbage, ComeAndGo, Stall, Disturb}) {
+    work_.push_back(std::async(std::launch::async, work, board, seed++, [this] { return !over_; }));
+  }
+}
+
+std::string Crowd::End() {
+  over_ = true;
+  std::string why;
+  for (auto& work : work_) {
+    try {
+      work.get();
+    } catch (const std::system_error& fault) {
+      why += std::string(fault.what()) + "\n";
+    }
+  }
+  work_.clear();
+  return why;
 }
 
 }  // namespace rough

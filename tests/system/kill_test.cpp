@@ -1,12 +1,11 @@
 // The daemon ends by SIGKILL at random instants while a client writes settings, another one has
-// operations done and unruly peers come and go; it comes back within its documented start, each
-// setting as it was or as it was written.
+// operations of all kinds done, unruly peers bother it and the board gives trouble; it comes back
+// within its documented start, each setting as it was or as it was written.
 // QUIVORD_SOAK_KILLS says how often; scripts/soak sets it.
 #include <gtest/gtest.h>
 
 #include <future>
 #include <random>
-#include <system_error>
 #include <thread>
 
 #include "board/power.h"
@@ -14,6 +13,7 @@
 #include "support/daemon.h"
 #include "support/deeds.h"
 #include "support/device.h"
+#include "support/eventually.h"
 #include "support/inprocess.h"
 #include "support/model_peer.h"
 #include "support/rough_peer.h"
@@ -50,21 +50,7 @@ void WriteUntilItDies(quivord::Client& client, const model::Window& window, mode
 void OperateUntilItDies(quivord::Client& client, model::Random random) {
   const std::vector<deeds::Deed> all = deeds::All();
   while (true) {
-    const deeds::Deed& deed = all[random() % all.size()];
-    if (!client.Call(
-            {.operation = quivord::Operation::kWrite, .address = deed.address, .data = deed.data},
-            10s)) {
-      return;
-    }
-  }
-}
-
-// Peers that leave in the middle, until they find nobody any more.
-void ComeAndGoUntilItDies(const std::filesystem::path& board, unsigned seed) {
-  try {
-    rough::ComeAndGo(board, seed, [] { return true; });
-  } catch (const std::system_error&) {
-    return;
+    if (!client.Call(all[random() % all.size()].Request(), 10s)) return;
   }
 }
 
@@ -76,7 +62,35 @@ model::Registers Owned(const model::Window& window, const Bytes& page) {
   return registers;
 }
 
+// Both, among a crowd, until the daemon is killed.
+void WorkUntilKilled(support::Daemon& daemon, const model::Window& window, model::Random& random,
+                     model::Registers& registers) {
+  const auto client = std::move(daemon.Connect(0x7E0100).value());
+  const auto operator_client = std::move(daemon.Connect(0x7E0101).value());
+  const rough::Crowd crowd(daemon.board(), static_cast<unsigned>(random()));
+  const auto operating = std::async(std::launch::async, [&, own = model::Random(random())] {
+    OperateUntilItDies(*operator_client, own);
+  });
+  std::thread killer([&, after = std::chrono::microseconds(random() % 60000)] {
+    std::this_thread::sleep_for(after);
+    daemon.Kill();
+  });
+  WriteUntilItDies(*client, window, random, registers);
+  killer.join();
+  operating.wait();
+}
+
+// What the daemon shows once it has given the FPGA what was stored.
+Bytes ShownAfterRestore(const support::Daemon& daemon) {
+  EXPECT_TRUE(support::Eventually(
+      [&] { return daemon.OutputText().find("load flag") != std::string::npos; }));
+  const auto client = std::move(daemon.Connect(0x7E0100).value());
+  const auto page = client->Call({.address = model::kFeatures, .length = model::kRegisters}, 10s);
+  return page ? page.value().data : Bytes();
+}
+
 TEST(Kill, AtAnyInstantNoSettingIsLost) {
+  constexpr int kAsk = 10;  // each so many kills the daemon is asked too, in place of flash alone
   const int kills = support::FromEnvironment("QUIVORD_SOAK_KILLS", 10);
   const unsigned seed = std::random_device()();
   SCOPED_TRACE("seed " + std::to_string(seed));
@@ -88,26 +102,18 @@ TEST(Kill, AtAnyInstantNoSettingIsLost) {
   Bytes before = Stored();
   for (int kill = 0; kill < kills; ++kill) {
     const auto begin = std::chrono::steady_clock::now();
+    std::filesystem::remove(board::Folder() / "output.txt");
     support::Daemon daemon({.board = board::Folder()});
     ASSERT_TRUE(daemon.WaitUntilItAnswers()) << daemon.OutputText();
     slowest = std::max(slowest, std::chrono::duration_cast<std::chrono::milliseconds>(
                                     std::chrono::steady_clock::now() - begin));
-    const auto client = std::move(daemon.Connect(0x7E0100).value());
-    const auto operator_client = std::move(daemon.Connect(0x7E0101).value());
     model::Registers registers = Owned(window, before);
-    const auto operating = std::async(std::launch::async, [&, own = model::Random(random())] {
-      OperateUntilItDies(*operator_client, own);
-    });
-    const auto leaving = std::async(std::launch::async, ComeAndGoUntilItDies, daemon.board(),
-                                    static_cast<unsigned>(random()));
-    std::thread killer([&, after = std::chrono::microseconds(random() % 60000)] {
-      std::this_thread::sleep_for(after);
-      daemon.Kill();
-    });
-    WriteUntilItDies(*client, window, random, registers);
-    killer.join();
-    operating.wait();
-    leaving.wait();
+    if (kill % kAsk == 1) {
+      const Bytes shown = ShownAfterRestore(daemon);
+      ASSERT_EQ(shown.size(), model::kRegisters);
+      ASSERT_EQ(Owned(window, before).Compare(0, shown), "") << "after " << kill << " kills";
+    }
+    WorkUntilKilled(daemon, window, random, registers);
     before = Stored();
     ASSERT_EQ(registers.Compare(0, before), "") << "after " << kill + 1 << " kills";
   }

@@ -22,15 +22,23 @@ namespace {
 using namespace std::chrono_literals;
 using More = std::function<bool()>;
 
-// Windows into spaces that are memory: what is written is read back. Behind the first 256 numbers
-// lies a switch of the colour side, and at the end of the first 512 positions two registers whose
-// read measures the FPGA's bus for seconds.
-const model::Window kMemories[] = {{0x02300000, {{0, 512}}}, {0x05060100, {{0, 512}}},
-                                   {0x03000200, {{0, 512}}}, {0x03100000, {{0, 256}}},
-                                   {0x05000100, {{0, 512}}}, {0xF1700000, {{0, 512}}}};
+// Windows into spaces that are memory: what is written is read back. In front of each record of the
+// first 256 numbers stands a count that a layout sets, behind them lies a switch of the colour
+// side, and at the end of the first 512 positions two registers whose read measures the FPGA's bus
+// for seconds.
+const model::Window kMemories[] = {{0x02300000, {{0, 512}}},
+
+                                   {0x05060100, {{0, 512}}},
+                                   {0x05000100, {{0, 512}}},
+                                   {0x0A001000, {{0, 512}}},
+                                   {0x0F010000, {{0, 512}}},
+                                   {0x0F800200, {{0, 512}}},
+                                   {0xF1700000, {{0, 512}}},
+                                   {0x03100000, {{2, 32}, {34, 64}, {66, 96}}}};
 
 constexpr std::uint32_t kBusEnd = 0x1F0;     // feature registers from here on are not in the FPGA
 constexpr std::uint32_t kStored = 0xA3B100;  // all of them in flash
+constexpr auto kPatience = 30s;
 
 // What the peer has written it reads back, and at the end FPGA and flash hold it as well.
 std::string WorkOnFeatures(const support::Daemon& daemon, model::Window window, int number,
@@ -62,55 +70,67 @@ std::string WorkOnMemories(const support::Daemon& daemon, unsigned seed, const M
   return "";
 }
 
-// Operations, and reads anywhere: answered as the tables foresee it.
-std::string WorkEverywhere(const support::Daemon& daemon, unsigned seed, const More& more) {
-  using namespace ZEPH_MCUC;
-  const auto client = std::move(daemon.Connect(0x7E0300).value());
-  const std::vector<deeds::Deed> all = deeds::All();
-  model::Random random(seed);
-  while (more()) {
-    if (random() % 4 == 0) {
-      const deeds::Deed& deed = all[random() % all.size()];
-      const auto reply = client->Call(
-          {.operation = quivord::Operation::kWrite, .address = deed.address, .data = deed.data},
-          30s);
-      if (!reply || reply.value().ack != 0) {
-        return "write to " + std::to_string(deed.address) + " not taken";
-      }
-      continue;
+// Operations, and reads anywhere: answered as the tables foresee it, with what the operations show.
+class Everywhere {
+ public:
+  Everywhere(const support::Daemon& daemon, unsigned seed)
+      : client_(std::move(daemon.Connect(0x7E0300).value())), random_(seed) {
+    // Looks for input boards.
+    static_cast<void>(client_->Call({.address = 0x08000000, .length = 1}, kPatience));
+  }
+
+  // Works until `more` says no; what is wrong, or empty.
+  std::string Work(const More& more) {
+    std::string wrong;
+    while (wrong.empty() && more()) {
+      const std::size_t which = random_() % deeds_.size();
+      const std::uint32_t kind = model::Below(random_, 16);
+      wrong = kind < 4 ? Do(which) : kind == 4 && shows_[which] ? Look(which) : ReadSomewhere();
     }
-    const std::uint32_t base = kSpaces[random() % kSpaces.size()]->base();
-    const std::uint32_t address = base + model::Below(random, 0x1000);
-    const auto length = static_cast<std::uint16_t>(1 + model::Below(random, 512));
-    const auto reply = client->Call({.address = address, .length = length}, 30s);
+    return wrong;
+  }
+
+ private:
+  std::string Do(std::size_t which) {
+    const auto reply = client_->Call(deeds_[which].Request(), kPatience);
+    if (!reply) return reply.error().text;
+    if (reply.value().ack != 0) return "deed " + std::to_string(which) + " is not taken";
+    if (shows_[which] || deeds_[which].shown.bytes.empty()) return Look(which);
+    shows_[which] = support::Eventually([&] { return Look(which).empty(); }, kPatience);
+    return Look(which);
+  }
+
+  // Whether the deed shows, once it has been done.
+  std::string Look(std::size_t which) {
+    const auto& [address, bytes] = deeds_[which].shown;
+    if (bytes.empty()) return "";
+    const auto length = static_cast<std::uint16_t>(bytes.size());
+    const auto reply = client_->Call({.address = address, .length = length}, kPatience);
+    if (!reply) return reply.error().text;
+    return reply.value().data == bytes ? "" : "deed " + std::to_string(which) + " does not show";
+  }
+
+  std::string ReadSomewhere() {
+    using namespace ZEPH_MCUC;
+    const std::uint32_t base = kSpaces[random_() % kSpaces.size()]->base();
+    const std::uint32_t address = base + model::Below(random_, 0x1000);
+    const auto length = static_cast<std::uint16_t>(1 + model::Below(random_, 512));
+    const auto reply = client_->Call({.address = address, .length = length}, kPatience);
     if (!reply) return reply.error().text;
     const Prospect prospect = ForeseeRead(address, length);
     const std::size_t got = reply.value().data.size();
     const bool whole = prospect.meets == Meets::kServed;
     const bool some = prospect.meets == Meets::kDropped;
-    if (some ? got == 0 || got >= length : got != (whole ? length : 0U)) {
-      return "read of " + std::to_string(length) + " at " + std::to_string(address) + " gave " +
-             std::to_string(got) + " bytes; " + prospect.text;
-    }
+    if (some ? got > 0 && got < length : got == (whole ? length : 0U)) return "";
+    return "read of " + std::to_string(length) + " at " + std::to_string(address) + " gave " +
+           std::to_string(got) + " bytes; " + prospect.text;
   }
-  return "";
-}
 
-// Links flap, the sensor fails and comes back, time jumps back and forth.
-void Disturb(unsigned seed, const More& more) {
-  model::Random random(seed);
-  const std::filesystem::path folder = board_kit::Named();
-  while (more()) {
-    const auto port = random() % 2;
-    board_kit::RunTool("link " + std::to_string(port) + (random() % 2 == 0 ? " down" : " up") +
-                       " " + folder.string());
-    std::ofstream(folder / "sensors/lux") << (random() % 3 == 0 ? "fail" : "900");
-    const std::int64_t offset = static_cast<std::int64_t>(random() % 2000000) * 1000000;
-    std::fstream(folder / "clock", std::ios::in | std::ios::out | std::ios::binary)
-        .write(reinterpret_cast<const char*>(&offset), sizeof(offset));
-    std::this_thread::sleep_for(50ms);
-  }
-}
+  const std::unique_ptr<quivord::Client> client_;
+  const std::vector<deeds::Deed> deeds_ = deeds::All();
+  std::vector<bool> shows_ = std::vector<bool>(deeds_.size());
+  model::Random random_;
+};
 
 // What a process has: its resident memory in KiB, and its open files.
 struct Holdings {
@@ -143,10 +163,10 @@ Holdings WhenAtRest(pid_t process) {
   return holdings;
 }
 
-// The eight peers and the disturber, on threads, until `End`.
+// The eight peers and what disturbs them, on threads, until `End`.
 class Traffic {
  public:
-  Traffic(const support::Daemon& daemon, unsigned seed) : board_(daemon.board()) {
+  Traffic(const support::Daemon& daemon, unsigned seed) : crowd_(daemon.board(), seed + 5) {
     const More more = [this] { return ++done_, !over_; };
     model::Random random(seed);
     int number = 0;
@@ -157,18 +177,13 @@ class Traffic {
       ++number;
     }
     Run([&daemon, seed, more] { return WorkOnMemories(daemon, seed + 3, more); });
-    Run([&daemon, seed, more] { return WorkEverywhere(daemon, seed + 4, more); });
-    const More rough = [this] { return !over_; };
-    Run([this, seed, rough] { return rough::SendGarbage(board_, seed + 5, rough), ""; });
-    Run([this, seed, rough] { return rough::ComeAndGo(board_, seed + 6, rough), ""; });
-    Run([this, seed, rough] { return rough::Stall(board_, seed + 7, rough), ""; });
-    Run([seed, rough] { return Disturb(seed + 8, rough), ""; });
+    Run([&daemon, seed, more] { return Everywhere(daemon, seed + 4).Work(more); });
   }
 
   // Ends it; what was wrong, a line each.
   std::string End() {
     over_ = true;
-    std::string wrong;
+    std::string wrong = crowd_.End();
     for (auto& work : work_) {
       const std::string said = work.get();
       if (!said.empty()) wrong += said + "\n";
@@ -183,7 +198,7 @@ class Traffic {
     work_.push_back(std::async(std::launch::async, std::move(body)));
   }
 
-  const std::filesystem::path board_;
+  rough::Crowd crowd_;
   std::atomic<bool> over_ = false;
   std::atomic<long> done_ = 0;
   std::vector<std::future<std::string>> work_;
