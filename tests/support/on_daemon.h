@@ -17,9 +17,10 @@ namespace support {
 
 class OnDaemon : public testing::Test {
  protected:
-  void Start(std::vector<std::string> arguments = {}) {
-    daemon_.emplace(
-        Daemon::Options{.board = board_kit::Named(), .arguments = std::move(arguments)});
+  void Start(std::vector<std::string> arguments = {}, std::vector<std::string> environment = {}) {
+    daemon_.emplace(Daemon::Options{.board = board_kit::Named(),
+                                    .arguments = std::move(arguments),
+                                    .environment = std::move(environment)});
     ASSERT_TRUE(daemon_->WaitUntilItAnswers()) << daemon_->OutputText();
   }
   // Lets the FPGA load, and waits until the daemon has filled it.

@@ -4,6 +4,7 @@
 // long; scripts/soak sets it.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <future>
 #include <thread>
@@ -39,6 +40,12 @@ const model::Window kMemories[] = {{0x02300000, {{0, 512}}},
 constexpr std::uint32_t kBusEnd = 0x1F0;     // feature registers from here on are not in the FPGA
 constexpr std::uint32_t kStored = 0xA3B100;  // all of them in flash
 constexpr auto kPatience = 30s;
+
+#if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
+constexpr bool kSanitized = true;  // keeps what was freed
+#else
+constexpr bool kSanitized = false;
+#endif
 
 // What the peer has written it reads back, and at the end FPGA and flash hold it as well.
 std::string WorkOnFeatures(const support::Daemon& daemon, model::Window window, int number,
@@ -132,9 +139,9 @@ class Everywhere {
   model::Random random_;
 };
 
-// What a process has: its resident memory in KiB, and its open files.
+// What a process has: its own memory in KiB, without what is mapped of files, and its open files.
 struct Holdings {
-  long resident = 0;
+  long memory = 0;
   long files = 0;
 };
 
@@ -143,7 +150,7 @@ Holdings HoldingsOf(pid_t process) {
   Holdings holdings;
   std::ifstream status(folder / "status");
   for (std::string line; std::getline(status, line);) {
-    if (line.starts_with("VmRSS:")) holdings.resident = std::atol(line.c_str() + 6);
+    if (line.starts_with("RssAnon:")) holdings.memory = std::atol(line.c_str() + 8);
   }
   for ([[maybe_unused]] const auto& file : std::filesystem::directory_iterator(folder / "fd")) {
     ++holdings.files;
@@ -206,14 +213,35 @@ class Traffic {
 
 // Traffic for so long; what is left of it when all peers have gone.
 Holdings AfterTraffic(support::Daemon& daemon, unsigned seed, std::chrono::milliseconds length) {
+  constexpr long kFewestPerSecond = 20;  // a sanitizer's build on an idle machine does 300
   Traffic traffic(daemon, seed);
   std::this_thread::sleep_for(length);
   EXPECT_EQ(traffic.End(), "");
-  std::printf("%ld requests\n", traffic.done());
-  EXPECT_GT(traffic.done(), 0);
+  EXPECT_GT(traffic.done(), kFewestPerSecond * length / 1s);
   EXPECT_TRUE(daemon.WaitUntilItAnswers());
-  return WhenAtRest(daemon.pid());
+  const Holdings holdings = WhenAtRest(daemon.pid());
+  std::printf("%ld requests, then %ld KiB, %ld files\n", traffic.done(), holdings.memory,
+              holdings.files);
+  return holdings;
 }
+
+// The least that the daemon held at the later ones of several rests: what the peers leave in the
+// heap at a single one is chance.
+Holdings Least(support::Daemon& daemon, unsigned seed, std::chrono::milliseconds length,
+               int rests) {
+  std::vector<Holdings> later;
+  for (int rest = 0; rest < rests; ++rest) {
+    const Holdings holdings = AfterTraffic(daemon, seed + 100 * rest, length / rests);
+    if (rest >= rests / 2) later.push_back(holdings);
+  }
+  return {std::ranges::min(later, {}, &Holdings::memory).memory,
+          std::ranges::min(later, {}, &Holdings::files).files};
+}
+
+// The C library gives back at once what is free, so that what the daemon holds is what it uses.
+constexpr char kThriftyHeap[] =
+    "GLIBC_TUNABLES=glibc.malloc.arena_max=1:glibc.malloc.tcache_count=0:glibc.malloc.mxfast=0:"
+    "glibc.malloc.trim_threshold=0:glibc.malloc.top_pad=0:glibc.malloc.mmap_threshold=16384";
 
 using Soak = support::OnDaemon;
 
@@ -221,18 +249,17 @@ TEST_F(Soak, NobodyIsHarmedByTheOthers) {
   const int minutes = support::FromEnvironment("QUIVORD_SOAK_MINUTES", 0);
   const auto whole = minutes > 0 ? std::chrono::seconds(60 * minutes) : 8s;
   const auto first = minutes > 10 ? 600s : whole / 2;  // until the daemon has seen everything
+  const int rests = minutes > 0 ? 6 : 2;
   const unsigned seed = std::random_device()();
   SCOPED_TRACE("seed " + std::to_string(seed));
   board_kit::Configure("speed = 50\n");
-  Start();
+  Start({}, {kThriftyHeap});
   Load();
-  const Holdings before = AfterTraffic(*daemon_, seed, first);
-  const Holdings after = AfterTraffic(*daemon_, seed + 1, whole - first);
-  std::printf("resident %ld KiB, then %ld KiB; files %ld, then %ld\n", before.resident,
-              after.resident, before.files, after.files);
+  const Holdings before = Least(*daemon_, seed, first, rests);
+  const Holdings after = Least(*daemon_, seed + 1000, whole - first, rests);
   EXPECT_EQ(after.files, before.files);
-  if (minutes > 10) {
-    EXPECT_LT(after.resident - before.resident, 64);
+  if (minutes > 0 && !kSanitized) {
+    EXPECT_LT(after.memory - before.memory, 64);
   }
 }
 
