@@ -27,15 +27,11 @@ using More = std::function<bool()>;
 // first 256 numbers stands a count that a layout sets, behind them lies a switch of the colour
 // side, and at the end of the first 512 positions two registers whose read measures the FPGA's bus
 // for seconds.
-const model::Window kMemories[] = {{0x02300000, {{0, 512}}},
-
-                                   {0x05060100, {{0, 512}}},
-                                   {0x05000100, {{0, 512}}},
-                                   {0x0A001000, {{0, 512}}},
-                                   {0x0F010000, {{0, 512}}},
-                                   {0x0F800200, {{0, 512}}},
-                                   {0xF1700000, {{0, 512}}},
-                                   {0x03100000, {{2, 32}, {34, 64}, {66, 96}}}};
+const model::Window kMemories[] = {
+    {0x02300000, {{0, 512}}}, {0x05060100, {{0, 512}}},
+    {0x05000100, {{0, 512}}}, {0x0A001000, {{0, 512}}},
+    {0x0F010000, {{0, 512}}}, {0x0F800200, {{0, 512}}},
+    {0xF1700000, {{0, 512}}}, {0x03100000, {{2, 32}, {34, 64}, {66, 96}}}};
 
 constexpr std::uint32_t kBusEnd = 0x1F0;     // feature registers from here on are not in the FPGA
 constexpr std::uint32_t kStored = 0xA3B100;  // all of them in flash
