@@ -29,6 +29,10 @@ Listed ListFiles(Device& device) {
   return {{}, cardfiles::Entries(header.data, names.data)};
 }
 
+std::string NameOf(const cardfiles::Entry& entry) {
+  return entry.name.empty() ? "(no name)" : entry.name;
+}
+
 Answer ReadImage(Device& device, std::uint32_t offset, std::size_t length) {
   Answer all;
   while (all.data.size() < length) {

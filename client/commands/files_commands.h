@@ -24,6 +24,9 @@ struct Listed {
 };
 Listed ListFiles(Device& device);
 
+// What a file that a device keeps is called.
+std::string NameOf(const quivord::cardfiles::Entry& entry);
+
 // `length` bytes from `offset` of the image that the device keeps.
 Answer ReadImage(Device& device, std::uint32_t offset, std::size_t length);
 

@@ -1,4 +1,4 @@
-// Bringing files onto a device, and removing them.
+// `files put` and `files remove`: what changes the files that a device keeps.
 #include <algorithm>
 
 #include "commands/files_commands.h"

@@ -1,11 +1,9 @@
-// What a device keeps, and sending one of its files to the cards.
 #include <algorithm>
 #include <thread>
 
 #include "commands/files_commands.h"
 #include "counted.h"
 #include "numbers.h"
-#include "table.h"
 
 namespace ctl {
 namespace {
@@ -32,26 +30,6 @@ Answer ReadFile(Device& device, const std::vector<Entry>& entries, std::size_t n
   }
   if (length < space::kFirstPack) return {Exit::kRefused, "the file lies outside the image", {}};
   return ReadImage(device, file.offset, length);
-}
-
-std::string NameOf(const Entry& entry) { return entry.name.empty() ? "(no name)" : entry.name; }
-
-Exit List(const Context& context) {
-  Exit exit = Exit::kDone;
-  const auto device = Device::Open(context, exit);
-  if (device == nullptr) return exit;
-  const Listed listed = ListFiles(*device);
-  if (!listed.answer.done()) return context.Fail(listed.answer);
-  std::vector<std::vector<std::string>> rows = {{"file", "bytes", "name"}};
-  nlohmann::json files = nlohmann::json::array();
-  for (std::size_t i = 0; i < listed.entries.size(); ++i) {
-    const Entry& entry = listed.entries[i];
-    const std::string length = entry.length == 0 ? "?" : std::to_string(entry.length);
-    rows.push_back({std::to_string(i), length, NameOf(entry)});
-    files.push_back({{"number", i}, {"name", entry.name}, {"bytes", entry.length}});
-  }
-  context.out.Show(files.empty() ? "the device keeps no file" : Columns(rows), {{"files", files}});
-  return Exit::kDone;
 }
 
 // Says how far the sending should be. The device isn't asked meanwhile: who asks it for anything
@@ -116,13 +94,6 @@ Exit Send(const Context& context, const std::string& word) {
 }
 
 }  // namespace
-
-const Command kFilesList{
-    "list",
-    "List the files that the device keeps",
-    "  quivordctl files list\n",
-    [](CLI::App& /*app*/) -> Run { return List; },
-};
 
 const Command kFilesSend{
     "send",

@@ -1,3 +1,4 @@
+// `wall configure` and `wall advanced`: what lays out a wall.
 #include "commands.h"
 #include "commands/wall_commands.h"
 #include "numbers.h"
