@@ -84,7 +84,8 @@ Outcome BrightnessDevice::WriteTable(const Bytes& bytes, const Progress& progres
   }
   if (written) written = Await(bytes);
   // The first bytes are read from memory, where they show before they are stored.
-  return written ? AwaitWork(registers_, kPatience) : written;
+  if (written) written = AwaitWork(registers_, kPatience);
+  return written ? CheckStored(bytes) : written;
 }
 
 Outcome BrightnessDevice::Await(const Bytes& bytes) {
@@ -98,6 +99,17 @@ Outcome BrightnessDevice::Await(const Bytes& bytes) {
     }
     std::this_thread::sleep_for(kLook);
   }
+}
+
+// A read that ends behind the bytes in memory is answered from flash, all of it. The mode byte
+// can't be read so; it is stored together with what follows it.
+Outcome BrightnessDevice::CheckStored(const Bytes& bytes) {
+  const auto stored = registers_.ReadWhole(AddressOf(1), kPiece);
+  if (!stored) return stored.error();
+  const auto end = bytes.begin() + static_cast<std::ptrdiff_t>(std::min(bytes.size(), kPiece + 1));
+  if (std::equal(bytes.begin() + 1, end, stored.value().begin())) return Done{};
+  return Error{Trouble::kRefused,
+               "the device took it, but didn't store it: a restart brings back what was stored"};
 }
 
 Target AllCards() { return {ZEPH_MCUC::JSHL_TypeReceiver, table::kAllPorts, table::kAllBoards}; }

@@ -22,7 +22,8 @@ class BrightnessDevice {
   std::optional<ZEPH_MCUC::brightness::Moment> ReadClock();
 
   // Sends `table` so that it is stored and in force, in pieces of at most 512 bytes, and reads
-  // until the device shows it, 5 seconds at most. `progress` hears how many bytes have gone.
+  // until the device shows it, 5 seconds at most, and then whether it has stored it. `progress`
+  // hears how many bytes have gone.
   using Progress = std::function<void(std::size_t sent)>;
   Outcome WriteTable(const brightness::Bytes& table, const Progress& progress);
 
@@ -30,6 +31,7 @@ class BrightnessDevice {
   Outcome Write(std::size_t offset, brightness::Bytes data);
   Outcome WritePieces(const brightness::Bytes& table, const Progress& progress);
   Outcome Await(const brightness::Bytes& table);
+  Outcome CheckStored(const brightness::Bytes& table);
 
   Registers registers_;
 };

@@ -20,7 +20,10 @@ Exit Do(const Context& context, std::uint32_t address, const char* done) {
   return Exit::kDone;
 }
 
-Exit Save(const Context& context) { return Do(context, kSave, "saved"); }
+// No register shows whether flash took it.
+Exit Save(const Context& context) {
+  return Do(context, kSave, "carried out; a write that the flash refuses stands in the log alone");
+}
 
 Exit Reload(const Context& context) {
   return Do(context, kReload, "reloaded what is stored; the output is closed");

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "board/faults.h"
 #include "support/board_kit.h"
 #include "support/brightness_bytes.h"
 #include "support/ctl.h"
@@ -68,6 +69,16 @@ TEST_F(BrightnessCommand, EveryPlanSurvivesARestart) {
     after.erase("next");
     EXPECT_EQ(after, before);
     EXPECT_EQ(Objects({"plan", file}).back()["plan"], kind);
+  }
+}
+
+TEST_F(BrightnessCommand, APlanThatFlashRefusesIsNoSuccess) {
+  Shown("none");
+  board::SetFaultCount(board::Fault::kFlashWrite, -1);
+  for (const char* kind : {"list", "sensor", "mix"}) {
+    const support::RunResult lost = Ctl({"plan", Example(kind)});
+    EXPECT_EQ(lost.status, 1) << kind << lost.out;
+    EXPECT_NE(lost.err.find("didn't store it"), std::string::npos) << lost.err;
   }
 }
 
