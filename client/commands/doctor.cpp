@@ -28,7 +28,7 @@ const Row& RowOf(Health health) { return kRows[static_cast<std::size_t>(health)]
 // What to do, with the board's folder where DIR stands; empty where nothing is.
 std::string Advice(const Check& check, const Finding& finding, const std::string& board) {
   if (finding.health != Health::kNote && finding.health != Health::kWrong) return "";
-  std::string advice = check.advice;
+  std::string advice = finding.advice != nullptr ? finding.advice : check.advice;
   for (std::size_t at = 0; (at = advice.find("DIR", at)) != std::string::npos;) {
     advice.replace(at, 3, board);
     at += board.size();
@@ -63,7 +63,8 @@ nlohmann::json Json(const Context& context, const std::vector<Finding>& findings
 }
 
 Exit Doctor(Context& context) {
-  Patient patient{context};
+  std::error_code failed;
+  Patient patient{context, std::filesystem::is_directory(context.options.board, failed)};
   std::vector<Finding> findings;
   for (const Check& check : Checks()) findings.push_back(check.look(patient));
   const bool well = std::ranges::none_of(

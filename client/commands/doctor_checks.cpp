@@ -26,15 +26,18 @@ constexpr std::uint32_t kCardSize = 0x02000017;   // register of a receiving car
 constexpr std::uintmax_t kLeastFree = 48U << 20;  // bytes: a store and what a reset copies
 constexpr std::int64_t kMostDrift_s = 60;
 constexpr char kNobody[] = "not asked: no daemon answers";
+constexpr char kNoPage[] = "not asked: the FPGA holds nothing to go by";
 constexpr char kNoFolder[] = "not looked at: there is no board folder";
 
 Finding LookAtFolder(Patient& patient) {
-  std::error_code failed;
-  patient.folder = fs::is_directory(patient.board(), failed);
   if (!patient.folder) return {Health::kWrong, "there is no folder " + patient.board().string()};
+  const auto text = board::ReadWhole(patient.board() / "board.conf");
+  if (!text.has_value()) {
+    return {Health::kNote,
+            patient.board().string() + " has no board.conf: no board was made there"};
+  }
   board::Settings settings;
-  const std::string text = board::ReadWhole(patient.board() / "board.conf").value_or("");
-  const std::string fault = board::ParseSettings(text, "board.conf", settings);
+  const std::string fault = board::ParseSettings(*text, "board.conf", settings);
   if (!fault.empty()) return {Health::kWrong, fault};
   return {Health::kGood,
           patient.board().string() + ", slot " + std::to_string(patient.context.options.slot)};
@@ -94,27 +97,39 @@ Finding LookAtVersions(Patient& patient) {
   return {Health::kGood, text};
 }
 
+constexpr char kFpgaDown[] =
+    "switch the device off and on, which loads it; on a simulated board put 1 into "
+    "DIR/sys/class/fpga/fpga_conf";
+constexpr char kFpgaSilent[] =
+    "give it some seconds after a start; then 'quivordctl reload' fills it again, and a restart of "
+    "the device where that doesn't help; 'quivord-board fault --list --board DIR' says whether a "
+    "simulated board lets its reads fail";
+
 Finding LookAtFpga(Patient& patient) {
   const bool flag = fs::exists(patient.board() / "etc/init.d/flag_fpgaload");
   if (patient.folder && !flag) return {Health::kWrong, "not loaded: its flag file isn't there"};
   const std::string state =
       board::ReadWhole(patient.board() / "sys/class/fpga/fpga_conf").value_or("1");
-  if (state.starts_with('0')) return {Health::kWrong, "down, as its own status says"};
+  if (state.starts_with('0')) return {Health::kWrong, "down, as its own status says", kFpgaDown};
   if (patient.device == nullptr) return {Health::kUnknown, kNobody};
   patient.page.emplace();
   const Answer answer = patient.device->ReadPage(*patient.page);
-  if (!answer.done()) {
-    patient.page.reset();
-    return {Health::kWrong, answer.text};
+  if (answer.done() && patient.page->Restored()) {
+    return {Health::kGood, "loaded, and has its parameters"};
   }
-  if (!patient.page->Restored()) {
-    return {Health::kWrong, "silent, or without its parameters: what it holds reads as 0"};
-  }
-  return {Health::kGood, "loaded, and has its parameters"};
+  patient.page.reset();
+  if (!answer.done()) return {Health::kWrong, answer.text, kFpgaSilent};
+  return {Health::kWrong, "silent, or without its parameters: what it holds reads as 0",
+          kFpgaSilent};
+}
+
+// Of what is read from the page, where there is none.
+Finding NoPage(const Patient& patient) {
+  return {Health::kUnknown, patient.device == nullptr ? kNobody : kNoPage};
 }
 
 Finding LookAtOutput(Patient& patient) {
-  if (!patient.page.has_value()) return {Health::kUnknown, kNobody};
+  if (!patient.page.has_value()) return NoPage(patient);
   const FeatureRegister& row = *FindFeature("output");
   const std::string state = FeatureText(row, patient.page->Bytes(row));
   return {state == "open" ? Health::kGood : Health::kNote, state};
@@ -140,14 +155,14 @@ std::string PortsText(const std::vector<int>& ports) {
 }
 
 Finding LookAtLinks(Patient& patient) {
-  if (!patient.page.has_value()) return {Health::kUnknown, kNobody};
+  if (!patient.page.has_value()) return NoPage(patient);
   const auto ports = LinkedPorts(*patient.page);
   if (ports.empty()) return {Health::kWrong, "no port has a link"};
   return {Health::kGood, PortsText(ports)};
 }
 
 Finding LookAtCards(Patient& patient) {
-  if (!patient.page.has_value()) return {Health::kUnknown, kNobody};
+  if (!patient.page.has_value()) return NoPage(patient);
   std::vector<int> silent;
   const auto ports = LinkedPorts(*patient.page);
   for (const int port : ports) {
@@ -161,16 +176,26 @@ Finding LookAtCards(Patient& patient) {
   return {Health::kGood, "the first one of each linked port answers"};
 }
 
+constexpr char kBringBack[] =
+    "stop the daemon and bring it back: 'quivordctl store put 0 --file BACKUP', with --store "
+    "factory "
+    "for brmpara_factory; without a backup remove what is left of it, and a simulated board makes "
+    "one anew when it starts";
+
 Finding LookAtStores(Patient& patient) {
   if (!patient.folder) return {Health::kUnknown, kNoFolder};
   const fs::path folder = patient.board() / "usr/zeph/etc/envcfg";
   for (const char* name : {"brmpara", "brmpara_factory"}) {
     std::error_code failed;
     const auto size = fs::file_size(folder / name, failed);
-    if (failed) return {Health::kWrong, (folder / name).string() + ": " + failed.message()};
+    if (failed) {
+      return {Health::kWrong, (folder / name).string() + ": " + failed.message(), kBringBack};
+    }
     if (size != board::kStoreSize) {
-      return {Health::kWrong, (folder / name).string() + " has " + std::to_string(size) +
-                                  " bytes of " + std::to_string(board::kStoreSize)};
+      return {Health::kWrong,
+              (folder / name).string() + " has " + std::to_string(size) + " bytes of " +
+                  std::to_string(board::kStoreSize),
+              kBringBack};
     }
   }
   std::error_code failed;
@@ -244,9 +269,7 @@ std::span<const Check> Checks() {
       {"links", LookAtLinks,
        "look at the cables to the cabinets; 'quivord-board link N up' on a simulated board"},
       {"cards", LookAtCards, "look at the first cabinet's power, and at the cable between"},
-      {"stores", LookAtStores,
-       "make room where the stores lie; bring a store back by 'quivordctl store put 0 --file "
-       "BACKUP' while the daemon is stopped"},
+      {"stores", LookAtStores, "make room where the stores lie"},
       {"clock", LookAtClock, "'quivordctl time set now' sets it by this computer"},
       {"faults", LookAtFaults, "someone lets the board fail: 'quivord-board fault NAME 0' ends it"},
   };

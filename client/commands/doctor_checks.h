@@ -21,14 +21,15 @@ enum class Health : std::uint8_t {
 struct Finding {
   Health health;
   std::string text;
+  const char* advice = nullptr;  // where that of the check doesn't fit
 };
 
 // What the checks find out one after the other; a check uses what those before it left here.
 struct Patient {
   const Context& context;
-  bool folder = false;               // there is a board folder
-  std::unique_ptr<Device> device{};  // once the daemon has answered
-  std::optional<FeaturePage> page{};
+  bool folder;                        // there is a board folder
+  std::unique_ptr<Device> device{};   // once the daemon has answered
+  std::optional<FeaturePage> page{};  // once the FPGA has shown that it holds something
 
   const std::filesystem::path& board() const { return context.options.board; }
 };

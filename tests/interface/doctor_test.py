@@ -24,13 +24,17 @@ class Doctor(unittest.TestCase):
     def change(self, path, text):
         file = pathlib.Path(self.on.board, path)
         before = file.read_bytes()
-        file.write_text(text)
+        if text is None:
+            file.unlink()
+        else:
+            file.write_text(text)
         return lambda: file.write_bytes(before)
 
     def test_a_healthy_board_and_one_fault_at_a_time(self):
         answer, checks = self.look()
         self.assertEqual((answer.status, answer.lines[0]["well"]), (0, True))
         self.assertEqual({name for name, check in checks.items() if check["health"] != "good"}, {"output"})
+        self.assertIn("for the daemon", checks["versions"]["text"])
         # What breaks it, how it is mended where that isn't what breaking gave back, and what is found.
         cases = [
             (lambda: self.tool("link 5 up"), lambda: self.tool("link 5 down"), "cards", "wrong", "port 5"),
@@ -39,8 +43,11 @@ class Doctor(unittest.TestCase):
             (lambda: self.tool("fault flash-write 3"), lambda: self.tool("fault flash-write 0"),
              "faults", "note", "flash-write 3"),
             (lambda: self.change("board.conf", "slot = frog\n"), None, "board", "wrong", "frog"),
+            (lambda: self.change("board.conf", None), None, "board", "note", "no board.conf"),
             (lambda: self.change("usr/zeph/etc/envcfg/brmpara_factory", "short"), None, "stores", "wrong", "5 bytes"),
             (lambda: self.change("sys/class/fpga/fpga_conf", "0\n"), None, "fpga", "wrong", "down"),
+            (lambda: self.tool("fault fpga-read -1"), lambda: self.tool("fault fpga-read 0"),
+             "fpga", "wrong", "silent"),
             (self.on.stop_daemon, None, "process", "wrong", "no daemon"),
         ]
         for breaks, mends, name, health, says in cases:
@@ -50,6 +57,8 @@ class Doctor(unittest.TestCase):
                 answer, checks = self.look()
                 self.assertIn(says, checks[name]["text"])
                 self.assertIsNotNone(checks[name]["advice"])
+                if name == "fpga":
+                    self.assertIn("not asked: the FPGA", checks["links"]["text"])
                 if mends is not None:
                     self.assertEqual(answer.status, 1 if health == "wrong" else 0)
                     mends()
