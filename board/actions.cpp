@@ -1,5 +1,6 @@
 #include "actions.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -13,6 +14,7 @@
 #include "board/power.h"
 #include "board/stores.h"
 #include "board/text.h"
+#include "file_fault.h"
 
 namespace board_tool {
 namespace {
@@ -86,7 +88,7 @@ void Create(const Words& words) {
   std::error_code fault;
   fs::create_directories(file.parent_path(), fault);
   if (fault || !board::ReplaceWhole(file, text)) {
-    throw Refusal(kFailed, "cannot write " + file.string());
+    throw Refusal(kFailed, quivord::CannotWrite(file, fault ? fault.value() : errno));
   }
   board::CreateStores();
   board::CreateCards();
@@ -137,8 +139,9 @@ void SetFault(const Words& words) {
 void SetLux(const Words& words) {
   UseBoard(words);
   if (words.number != "fail") Number(words.number, 0, 0xFFFFFFFF, "lux");
-  if (!board::ReplaceWhole(board::Folder() / "sensors/lux", words.number + "\n")) {
-    throw Refusal(kFailed, "cannot write sensors/lux of the board");
+  const fs::path file = board::Folder() / "sensors/lux";
+  if (!board::ReplaceWhole(file, words.number + "\n")) {
+    throw Refusal(kFailed, quivord::CannotWrite(file, errno));
   }
 }
 

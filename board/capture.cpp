@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
@@ -11,6 +12,7 @@
 
 #include "board/board.h"
 #include "board/folder.h"
+#include "file_fault.h"
 #include "pcapng.h"
 #include "status.h"
 #include "stub/mcucmessagestruct_layout.h"
@@ -80,7 +82,7 @@ int Capture(const std::string& file, bool once) {
   }
   const bool piped = file == "-";
   std::FILE* const stream = piped ? stdout : std::fopen(file.c_str(), "wb");
-  if (stream == nullptr) return Fail("cannot write " + file);
+  if (stream == nullptr) return Fail(quivord::CannotWrite(file, errno));
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> closed(stream, std::fclose);
   trace::WatchInterrupts();
   std::signal(SIGPIPE, SIG_IGN);  // an analyser that was closed shows as a write that fails
@@ -91,7 +93,9 @@ int Capture(const std::string& file, bool once) {
   std::size_t packets = 0;
   for (;;) {
     const bool last = once || trace::Interrupted();
-    if (!Copy(follower, capture, offset_us, packets)) return Fail("cannot write " + file);
+    if (!Copy(follower, capture, offset_us, packets)) {
+      return Fail(quivord::CannotWrite(piped ? "standard output" : file, errno));
+    }
     if (last) break;
     std::this_thread::sleep_for(kLook);
   }

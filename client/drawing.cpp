@@ -18,7 +18,7 @@ void AddPictureScale(CLI::App& app, Drawing& drawing) {
 }
 
 Exit EndDrawing(const Context& context, const Drawing& drawing, const std::string& fault) {
-  if (!fault.empty()) return context.Fail(Exit::kWrongUse, drawing.file + ": " + fault);
+  if (!fault.empty()) return context.Fail(Exit::kWrongUse, fault);
   context.out.Show("drew " + drawing.file, {{"file", drawing.file}});
   return Exit::kDone;
 }

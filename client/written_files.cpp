@@ -1,7 +1,10 @@
 #include "written_files.h"
 
+#include <cerrno>
 #include <fstream>
 #include <vector>
+
+#include "file_fault.h"
 
 namespace ctl {
 namespace {
@@ -44,10 +47,11 @@ void NameWrittenFiles(const std::filesystem::path& board) {
 }
 
 Exit WriteFile(const Context& context, const std::string& file, std::string_view bytes) {
+  errno = 0;
   std::ofstream stream(file, std::ios::binary);
   stream << bytes;
   if (stream.flush()) return Exit::kDone;
-  return context.Fail(Exit::kWrongUse, file + " can't be written");
+  return context.Fail(Exit::kWrongUse, quivord::CannotWrite(file, errno));
 }
 
 Exit WriteFile(const Context& context, const std::string& file,

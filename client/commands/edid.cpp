@@ -1,12 +1,14 @@
 // The EDID that an input shows: read, set to a mode, written from a file, saved to one.
 #include <platform/edid.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 
 #include "commands.h"
 #include "commands/edid_device.h"
+#include "file_fault.h"
 #include "process/calc_inputsource.h"
 #include "subcommands.h"
 #include "table.h"
@@ -57,19 +59,20 @@ Exit OnGroup(const Context& context, const Words& words, Work work) {
 
 // The EDID in a file: 128 bytes or 256, or the first 256 of more.
 quivord::Result<std::vector<std::uint8_t>> LoadEdid(const std::string& path) {
-  const auto wrong = [&](const std::string& text) {
-    return quivord::Error{quivord::Trouble::kWrongUse, path + ": " + text};
+  const auto wrong = [](const std::string& text) {
+    return quivord::Error{quivord::Trouble::kWrongUse, text};
   };
   std::error_code failed;
   const std::uintmax_t size = std::filesystem::file_size(path, failed);
-  if (failed) return wrong(failed.message());
+  if (failed) return wrong(quivord::CannotRead(path, failed.value()));
   if (size == 0 || size % edid::kBlock != 0 || size > 256 * edid::kBlock) {
-    return wrong("an EDID has 128 bytes, or a multiple of that");
+    return wrong(path + ": an EDID has 128 bytes, or a multiple of that");
   }
   std::vector<std::uint8_t> bytes(std::min<std::size_t>(size, edid::kSize));
+  errno = 0;
   std::ifstream file(path, std::ios::binary);
   file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-  if (!file) return wrong("can't be read");
+  if (!file) return wrong(quivord::CannotRead(path, errno));
   return bytes;
 }
 

@@ -1,9 +1,11 @@
 #include <algorithm>
+#include <cerrno>
 #include <fstream>
 #include <iterator>
 
 #include "commands.h"
 #include "commands/files_commands.h"
+#include "file_fault.h"
 #include "subcommands.h"
 
 namespace ctl {
@@ -45,12 +47,16 @@ Answer ReadImage(Device& device, std::uint32_t offset, std::size_t length) {
   return all;
 }
 
-std::optional<cardfiles::Bytes> ReadLocal(const std::filesystem::path& path) {
+quivord::Result<cardfiles::Bytes> ReadLocal(const std::filesystem::path& path) {
+  const auto wrong = [](const std::string& text) {
+    return quivord::Error{quivord::Trouble::kWrongUse, text};
+  };
   std::error_code failed;
   const auto size = std::filesystem::file_size(path, failed);  // fails for what is no plain file
-  if (failed || size > space::kImage) return std::nullopt;
+  if (failed) return wrong(quivord::CannotRead(path, failed.value()));
+  if (size > space::kImage) return wrong(path.string() + " is larger than a device keeps");
   std::ifstream file(path, std::ios::binary);
-  if (!file) return std::nullopt;
+  if (!file) return wrong(quivord::CannotRead(path, errno));
   return cardfiles::Bytes{std::istreambuf_iterator<char>(file), {}};
 }
 

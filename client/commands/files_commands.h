@@ -30,8 +30,8 @@ std::string NameOf(const quivord::cardfiles::Entry& entry);
 // `length` bytes from `offset` of the image that the device keeps.
 Answer ReadImage(Device& device, std::uint32_t offset, std::size_t length);
 
-// The content of a file on this computer; nothing where it can't be read, is no file, or is larger
-// than a device keeps.
-std::optional<quivord::cardfiles::Bytes> ReadLocal(const std::filesystem::path& path);
+// The content of a file on this computer; kWrongUse, with the file's name, where it can't be read,
+// is no file, or is larger than a device keeps.
+quivord::Result<quivord::cardfiles::Bytes> ReadLocal(const std::filesystem::path& path);
 
 }  // namespace ctl

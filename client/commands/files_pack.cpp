@@ -18,11 +18,13 @@ struct Words {
 
 Exit Pack(const Context& context, const Words& words) {
   const auto text = ReadLocal(words.description);
-  if (!text.has_value()) return context.Fail(Exit::kWrongUse, words.description + " can't be read");
+  if (!text) return context.Fail(text.error());
   const auto folder = std::filesystem::path(words.description).parent_path();
-  const auto bytes =
-      cardfiles::Compile(std::string(text->begin(), text->end()),
-                         [&folder](const std::string& name) { return ReadLocal(folder / name); });
+  const auto bytes = cardfiles::Compile(std::string(text.value().begin(), text.value().end()),
+                                        [&folder](const std::string& name) {
+                                          const auto read = ReadLocal(folder / name);
+                                          return read ? std::optional(read.value()) : std::nullopt;
+                                        });
   if (!bytes) return context.Fail(Exit::kWrongUse, words.description + ", " + bytes.error().text);
   const Exit written = WriteFile(context, words.file, bytes.value());
   if (written != Exit::kDone) return written;

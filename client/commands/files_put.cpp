@@ -45,10 +45,8 @@ quivord::Result<std::vector<File>> Load(const std::vector<std::string>& words) {
   std::vector<File> files;
   for (const auto& path : Named(words)) {
     auto bytes = ReadLocal(path);
-    if (!bytes.has_value()) {
-      return wrong(path.string() + " can't be read, or is larger than a device keeps");
-    }
-    files.push_back({path.filename().string(), std::move(*bytes)});
+    if (!bytes) return bytes.error();
+    files.push_back({path.filename().string(), std::move(bytes.value())});
   }
   if (files.empty()) return wrong("there is no file to put");
   if (const auto obstacle = cardfiles::Obstacle(files)) return wrong(*obstacle);

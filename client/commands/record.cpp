@@ -1,4 +1,5 @@
 // Keeps what goes over the bus, as the board's trace tells of it.
+#include <cerrno>
 #include <fstream>
 #include <iterator>
 #include <optional>
@@ -8,6 +9,7 @@
 #include "board/board.h"
 #include "board/settings.h"
 #include "commands.h"
+#include "file_fault.h"
 #include "record/recording.h"
 #include "trace/busline.h"
 #include "trace/follower.h"
@@ -46,8 +48,11 @@ std::string Obstacle(const std::filesystem::path& board) {
 // Writes a recording frame by frame, so that what was kept is kept whatever happens.
 class Keeper {
  public:
-  Keeper(const std::string& file, std::uint8_t slot) : file_(file) {
+  Keeper(const std::string& file, std::uint8_t slot) {
+    errno = 0;
+    file_.open(file);
     file_ << record::HeadText(slot) << std::flush;
+    if (!file_) fault_ = errno;
   }
 
   void Take(std::string_view line) {
@@ -64,13 +69,21 @@ class Keeper {
     ++frames_;
   }
 
-  bool Flush() { return static_cast<bool>(file_.flush()); }
+  // False where the file can't be written; `fault` then says why, as an errno.
+  bool Flush() {
+    if (!file_) return false;
+    errno = 0;
+    if (!file_.flush()) fault_ = errno;
+    return static_cast<bool>(file_);
+  }
+  int fault() const { return fault_; }
   std::size_t frames() const { return frames_; }
   std::size_t peers() const { return peers_.size(); }
   std::size_t broken() const { return broken_; }
 
  private:
   std::ofstream file_;
+  int fault_ = 0;
   std::optional<std::int64_t> begin_;
   std::set<std::uint32_t> peers_;
   std::size_t frames_ = 0;
@@ -102,7 +115,9 @@ Exit Record(Context& context, const Words& words) {
     last =
         words.once || trace::Interrupted() || (words.seconds > 0 && Clock::now() - begin >= limit);
     follower.Look([&](std::string_view line) { keeper.Take(line); });
-    if (!keeper.Flush()) return context.Fail(Exit::kWrongUse, "can't write " + words.file);
+    if (!keeper.Flush()) {
+      return context.Fail(Exit::kWrongUse, quivord::CannotWrite(words.file, keeper.fault()));
+    }
     if (last) break;
     context.out.Progress(std::to_string(keeper.frames()) + " frames; Ctrl-C ends it");
   }

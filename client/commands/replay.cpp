@@ -1,8 +1,10 @@
 // Sends a recording's frames again, and shows what is different now.
+#include <cerrno>
 #include <cstdlib>
 
 #include "board/files.h"
 #include "commands.h"
+#include "file_fault.h"
 #include "numbers.h"
 #include "record/text.h"
 
@@ -78,8 +80,11 @@ Exit Replay(Context& context, const Words& words) {
   std::string fault;
   const record::Manner manner = MannerOf(context, words, fault);
   if (!fault.empty()) return context.Fail(Exit::kWrongUse, fault);
+  errno = 0;
   const auto text = board::ReadWhole(words.file);
-  if (!text.has_value()) return context.Fail(Exit::kWrongUse, "can't read " + words.file);
+  if (!text.has_value()) {
+    return context.Fail(Exit::kWrongUse, quivord::CannotRead(words.file, errno));
+  }
   record::Recording recording;
   fault = record::ReadRecording(*text, words.file, recording);
   if (!fault.empty()) return context.Fail(Exit::kWrongUse, fault);

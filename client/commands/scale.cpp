@@ -36,7 +36,7 @@ Exit Show(Context& context, const Words& words) {
   video::Calculate(plan);
   if (!words.file.empty()) {
     const std::string fault = video::DrawScaling(plan, words.file, *format);
-    if (!fault.empty()) return context.Fail(Exit::kWrongUse, words.file + ": " + fault);
+    if (!fault.empty()) return context.Fail(Exit::kWrongUse, fault);
   }
   if (!plan.valid()) return context.Fail(Exit::kRefused, video::Obstacle(plan));
   auto object = video::PlanJson(plan);

@@ -1,5 +1,6 @@
 // The flash stores of a board that isn't running.
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <fstream>
 #include <iterator>
@@ -7,6 +8,7 @@
 #include "commands.h"
 #include "commands/store_file.h"
 #include "counted.h"
+#include "file_fault.h"
 #include "numbers.h"
 #include "option_words.h"
 #include "proto/calc_flashmap.h"
@@ -102,7 +104,9 @@ Exit ShowMap(const Context& context, const StoreFile& store) {
   nlohmann::json regions = nlohmann::json::array();
   for (const FlashRegion& region : ZEPH_MCUC::FlashRegions()) {
     const auto bytes = store.Read(region.address, region.length);
-    if (!bytes.has_value()) return context.Fail(Exit::kRefused, "the store can't be read");
+    if (!bytes.has_value()) {
+      return context.Fail(Exit::kRefused, quivord::CannotRead("the store", errno));
+    }
     rows.push_back({AddressText(region.address), std::to_string(region.length),
                     std::string(region.name), Start(*bytes), region.content});
     regions.push_back({{"name", region.name},
@@ -128,7 +132,7 @@ std::optional<Bytes> ReadPlace(const Context& context, const Words& words, Place
   const auto store = OpenStore(context, words);
   if (!store.has_value()) return std::nullopt;
   auto bytes = store->Read(place.address, place.length);
-  if (!bytes.has_value()) context.Fail(exit, "the store can't be read");
+  if (!bytes.has_value()) context.Fail(exit, quivord::CannotRead("the store", errno));
   return bytes;
 }
 
@@ -183,11 +187,13 @@ Bytes BytesToPut(const Words& words, std::string& fault) {
   }
   std::error_code missing;
   const auto size = std::filesystem::file_size(words.file, missing);
-  if (missing || size == 0 || size > kStoreSize) {
-    fault = words.file + (missing ? " can't be read" : " is empty or larger than a store");
-    return {};
+  if (missing) fault = quivord::CannotRead(words.file, missing.value());
+  if (!missing && (size == 0 || size > kStoreSize)) {
+    fault = words.file + " is empty or larger than a store";
   }
+  if (!fault.empty()) return {};
   std::ifstream file(words.file, std::ios::binary);
+  if (!file) fault = quivord::CannotRead(words.file, errno);
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
@@ -207,7 +213,7 @@ Exit Put(const Context& context, const Words& words) {
   const auto store = OpenStore(context, words);
   if (!store.has_value()) return Exit::kRefused;
   if (!store->Write(place.address, bytes)) {
-    return context.Fail(Exit::kRefused, "the store can't be written");
+    return context.Fail(Exit::kRefused, quivord::CannotWrite("the store", errno));
   }
   const std::string name = NameOf(place.address, bytes.size());
   context.out.Show(Counted(bytes.size(), "byte") + " put at " + AddressText(place.address) + " (" +

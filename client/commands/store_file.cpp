@@ -3,8 +3,10 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
 
+#include "file_fault.h"
 #include "proto/calc_flashmap.h"
 
 namespace ctl {
@@ -24,7 +26,7 @@ board::FileHandle TakeLock(const fs::path& folder, std::string& fault) {
   struct flock lock {};
   lock.l_type = F_WRLCK;
   if (!file) {
-    fault = "cannot open " + path.string();
+    fault = quivord::CannotWrite(path, errno);
   } else if (fcntl(file.get(), F_SETLK, &lock) != 0) {
     fault = "the daemon runs on this board; its stores are its own until it is stopped";
     return {};
@@ -47,10 +49,9 @@ std::optional<StoreFile> StoreFile::Open(const fs::path& folder, board::Store st
   board::CreateStores();
   const auto path = board::StorePath(store);
   board::FileHandle file(open(path.c_str(), O_RDWR | O_CLOEXEC));
-  if (!file || !board::CheckStores()) {
-    fault = "cannot open the store " + path.string();
-    return std::nullopt;
-  }
+  if (!file) fault = quivord::CannotRead(path, errno);
+  if (file && !board::CheckStores()) fault = path.string() + " is no store, or can't be filled up";
+  if (!fault.empty()) return std::nullopt;
   return StoreFile(std::move(lock), std::move(file));
 }
 

@@ -3,8 +3,12 @@
 #include <cairo-svg.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
+#include <fstream>
 #include <numbers>
+
+#include "file_fault.h"
 
 // The font library keeps what it has found until the process ends; a leak check needn't tell.
 extern "C" const char* __lsan_default_suppressions();
@@ -14,6 +18,7 @@ namespace quivord::draw {
 namespace {
 
 constexpr char kTypeface[] = "Inter";  // the system's own sans serif where it isn't installed
+constexpr std::size_t kTried = 4096;   // bytes that show whether a file has room
 constexpr double kRightAngle = std::numbers::pi / 2;
 
 cairo_surface_t* MakeSurface(const std::filesystem::path& file, Format format, double width,
@@ -169,11 +174,14 @@ std::string Painter::Finish() {
   }
   cairo_surface_finish(surface_.get());
   if (status == CAIRO_STATUS_SUCCESS) status = cairo_surface_status(surface_.get());
-  if (status == CAIRO_STATUS_WRITE_ERROR) {
-    return "can't be written; look whether its folder is there, is yours to write into and has "
-           "room";
+  if (status == CAIRO_STATUS_SUCCESS) return "";
+  if (status != CAIRO_STATUS_WRITE_ERROR) {
+    return file_.string() + ": " + cairo_status_to_string(status);
   }
-  return status == CAIRO_STATUS_SUCCESS ? "" : cairo_status_to_string(status);
+  errno = 0;  // the library's fault says no reason; to try again does
+  std::ofstream again(file_, std::ios::binary);
+  again << std::string(kTried, ' ') << std::flush;
+  return CannotWrite(file_, errno);
 }
 
 }  // namespace quivord::draw

@@ -87,7 +87,7 @@ class Painter {
   double Width(const std::string& text, const Font& font);
   static double CapHeight(const Font& font) { return font.size * 0.72; }
 
-  // Writes the file. An empty text where that has worked, else why not.
+  // Writes the file. An empty text where that has worked, else why not, with the file's name.
   std::string Finish();
 
  private:

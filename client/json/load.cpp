@@ -1,9 +1,10 @@
 #include "json/load.h"
 
 #include <cerrno>
-#include <cstring>
 #include <fstream>
 #include <iterator>
+
+#include "file_fault.h"
 
 namespace quivord::json {
 namespace {
@@ -14,15 +15,13 @@ constexpr std::uintmax_t kMostFile =
 }  // namespace
 
 Result<std::string> LoadText(const std::filesystem::path& file, const std::string& what) {
-  const auto wrong = [&file](const std::string& text) {
-    return Error{Trouble::kWrongUse, file.string() + ": " + text};
-  };
+  const auto wrong = [](const std::string& text) { return Error{Trouble::kWrongUse, text}; };
   std::error_code failed;
   const std::uintmax_t size = std::filesystem::file_size(file, failed);
-  if (failed) return wrong(failed.message());
-  if (size > kMostFile) return wrong("far too large for " + what);
+  if (failed) return wrong(CannotRead(file, failed.value()));
+  if (size > kMostFile) return wrong(file.string() + ": far too large for " + what);
   std::ifstream stream(file, std::ios::binary);
-  if (!stream) return wrong(std::strerror(errno));
+  if (!stream) return wrong(CannotRead(file, errno));
   return std::string{std::istreambuf_iterator<char>(stream), {}};
 }
 

@@ -225,7 +225,7 @@ TEST_F(CtlFeature, StoreIsReadAndWrittenWhileNoDaemonRuns) {
       get 0xFFFFFF 1                       | 0 | a5
       put 1 --file %/copy                  | 2 | 16777216 bytes from 0x00000001 end behind
       put 1 --file %/none                  | 2 | can't be read
-      dump --store tmp                     | 1 | cannot open the store
+      dump --store tmp                     | 1 | brmpara_factory_tmp can't be read: No such
     )")) {
     support::ExpectCtl(row, {"store"});
   }

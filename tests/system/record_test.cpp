@@ -95,8 +95,8 @@ TEST(Record, SaysWhatIsMissing) {
   for (const auto& row : support::Rows(4, R"(
       record x.rec --once             | 1 | leaves the bus out; put 'trace = bus' | fpga
       record x.rec --once             | 1 | board.conf:1:                         | buses
-      record /no/such/folder/x --once | 2 | can't write                           | bus
-      replay no.rec                   | 2 | can't read no.rec                     | bus
+      record /no/such/folder/x --once | 2 | can't be written: No such file        | bus
+      replay no.rec                   | 2 | no.rec can't be read: No such file    | bus
       replay %/text.rec               | 2 | this is no recording                  | bus
       replay %/demo.rec               | 3 | no daemon                             | bus
       replay %/demo.rec --speed -1    | 2 | --speed                               | bus

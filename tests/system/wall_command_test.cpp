@@ -84,12 +84,12 @@ TEST_F(WallCommand, RefusesInWords) {
       configure --rows 256 --columns 1 --cables 0 --per-cable 1 | 2 | --rows
       configure %/smart.json --rows 4                           | 2 | leave out the numbers
       configure %/advanced.json                                 | 2 | wall advanced
-      configure %/missing.json                                  | 2 | missing.json
+      configure %/missing.json                                  | 2 | missing.json can't be read: No such
       advanced %/advanced.json                                  | 1 | no port
       advanced %/smart.json                                     | 2 | wall configure
       export                                                    | 1 | not configured
       draw wall.gif                                             | 2 | .png or .svg
-      draw /nowhere/wall.png                                    | 2 | /nowhere/wall.png
+      draw /nowhere/wall.png                                    | 2 | wall.png can't be written: No such
       show --device receiver                                    | 2 | --device
     )")) {
     const auto run = support::ExpectCtl(row, {"--json", "wall"});

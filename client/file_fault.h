@@ -1,0 +1,22 @@
+// Why a file can't be read or written, as all texts have it.
+#pragma once
+
+#include <string>
+#include <system_error>
+
+namespace quivord {
+
+// ": No such file or directory" for an errno; empty for 0, where no reason is known.
+inline std::string ReasonOf(int error) {
+  return error == 0 ? "" : ": " + std::generic_category().message(error);
+}
+
+inline std::string CannotRead(const std::string& file, int error) {
+  return file + " can't be read" + ReasonOf(error);
+}
+
+inline std::string CannotWrite(const std::string& file, int error) {
+  return file + " can't be written" + ReasonOf(error);
+}
+
+}  // namespace quivord
