@@ -29,11 +29,20 @@ int Ctl(int argc, char** argv) {
   }
 }
 
+// The status that goes with `status` where not all that was printed has gone out.
+int Ended(int status) {
+  const std::string lost = ctl::LostOutput();
+  if (lost.empty()) return status;
+  const int failed = status != 0 ? status : static_cast<int>(ctl::Exit::kWrongUse);
+  ctl::Output(false).Fault(lost, failed);
+  return failed;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   try {
-    return Ctl(argc, argv);
+    return Ended(Ctl(argc, argv));
   } catch (const std::exception& fault) {  // out of memory and the like
     std::fprintf(stderr, "quivordctl: %s\n", fault.what());
     return static_cast<int>(ctl::Exit::kNoAnswer);

@@ -3,10 +3,12 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
 
+#include "file_fault.h"
 #include "quivord/interface_version.h"
 
 namespace ctl {
@@ -18,9 +20,11 @@ constexpr std::size_t kBar = 30;  // characters
 constexpr const char* kColours[] = {"\033[32m", "\033[1;31m", "\033[33m"};  // by tone
 constexpr char kPlain[] = "\033[0m";
 
+int lost = 0;  // why a line has not reached standard output, as an errno
+
 void PrintLine(const std::string& line) {
-  std::printf("%s\n", line.c_str());
-  std::fflush(stdout);
+  const bool gone = std::printf("%s\n", line.c_str()) >= 0 && std::fflush(stdout) == 0;
+  if (!gone && lost == 0) lost = errno;
 }
 
 // Every object says which interface it keeps to.
@@ -41,6 +45,11 @@ std::string Coloured(Tone tone, const std::string& text) {
 }
 
 }  // namespace
+
+std::string LostOutput() {
+  const bool gone = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+  return gone ? "" : quivord::CannotWrite("standard output", lost);
+}
 
 Output::Output(bool json)
     : json_(json),

@@ -11,6 +11,10 @@ namespace ctl {
 
 enum class Tone { kGood, kBad, kDoubtful };
 
+// Why some of what was printed has not reached standard output; empty where all has. For the end of
+// the program: a fault shows until then.
+std::string LostOutput();
+
 class Output {
  public:
   explicit Output(bool json);

@@ -58,6 +58,15 @@ TEST_F(QuivordctlOnADaemon, EndsAsTheDeviceAnswers) {
   }
 }
 
+TEST_F(QuivordctlOnADaemon, LostOutputIsNoSuccess) {
+  for (const char* words : {"read 0xF0000100 4", "--json status", "feature show", "--help"}) {
+    const std::string line = support::Built("quivordctl") + " " + words + " >/dev/full";
+    const RunResult result = support::Run({"/bin/sh", "-c", line});
+    EXPECT_EQ(result.status, 2) << words;
+    EXPECT_NE(result.err.find("standard output can't be written"), std::string::npos) << result.err;
+  }
+}
+
 TEST(Quivordctl, WrongUseEndsWith2AndOneLine) {
   for (const char* words : {"",
                             "frobnicate",
