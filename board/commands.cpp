@@ -107,7 +107,8 @@ void AddCellCommands(Commands& commands) {
       "poke", "Change FPGA cells, status cells too, as the hardware does", Poke);
   for (CLI::App* const command : {peek, poke}) {
     command->add_option("--fpga", words.fpga, "FPGA 0 or 1")
-        ->check(CLI::Range(0, 1))
+        ->type_name("N")
+        ->check(CLI::IsMember({0, 1}))
         ->capture_default_str();
     command->add_option("ADDRESS", words.address, "Bus address, as 0x1F or decimal")->required();
   }

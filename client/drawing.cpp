@@ -1,5 +1,6 @@
 #include "drawing.h"
 
+#include "number_check.h"
 #include "written_files.h"
 
 namespace ctl {
@@ -13,7 +14,7 @@ void AddPictureFile(CLI::App& app, Drawing& drawing) {
 void AddPictureScale(CLI::App& app, Drawing& drawing) {
   app.add_option("--scale", drawing.scale, "How fine a PNG is")
       ->type_name("N")
-      ->check(CLI::Range(1, quivord::draw::kMostScale))
+      ->check(NumberFrom(1, quivord::draw::kMostScale))
       ->capture_default_str();
 }
 

@@ -44,14 +44,11 @@ Described Describe(const CLI::Option& option) {
   words.positional = option.get_positional();
   words.several = option.get_items_expected_max() > 1;
   if (option.get_type_size_max() == 0) return words;  // a flag
-  // The library writes "N:INT in [1 - 255]" for a range, "STORE:{live,tmp}" for a choice.
+  // "N:[1 to 255]" stands for a range, "STORE:{live,tmp}" for a choice.
   const std::string type = option.get_type_name();
   words.value = words.positional ? words.name : type.substr(0, type.find(':'));
   words.choices = Split(Between(type, '{', '}'));
   words.limits = Between(type, '[', ']');
-  if (const std::size_t dash = words.limits.find(" - "); dash != std::string::npos) {
-    words.limits.replace(dash, 3, " to ");
-  }
   if (const auto offered = Offers().find(&option); offered != Offers().end()) {
     words.choices = offered->second;
   }

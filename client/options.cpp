@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "access/place.h"
+#include "number_check.h"
 #include "numbers.h"
 #include "option_words.h"
 
@@ -17,6 +18,7 @@ using quivord::access::kTasks;
 using quivord::access::Look;
 
 constexpr std::uint32_t kUnnamedTasks = 0x7F0000;
+constexpr double kLeastTimeout_s = 0.001;
 constexpr double kMostTimeout_s = 3600;
 
 template <class Value, std::size_t N>
@@ -76,6 +78,7 @@ void Declare(CLI::App& app, OptionWords& words) {
       ->type_name("N");
   app.add_option("--timeout", words.timeout_s, "How long to wait for an answer")
       ->type_name("SECONDS")
+      ->check(NumberFrom(kLeastTimeout_s, kMostTimeout_s))
       ->capture_default_str();
   app.add_flag("--json", words.json, "Print JSON, one object a line");
 }
@@ -95,9 +98,6 @@ Options Understand(const OptionWords& words) {
       Place(words.card, 0xFFFE, 0xFFFF, "--card", "is a place from 0 to 65534, or all");
   options.portGiven = !words.port.empty();
   options.cardGiven = !words.card.empty();
-  if (!(words.timeout_s > 0 && words.timeout_s <= kMostTimeout_s)) {
-    throw CLI::ValidationError("--timeout", "is a number of seconds above 0, at most 3600");
-  }
   options.timeout =
       std::chrono::milliseconds(static_cast<std::int64_t>(std::ceil(words.timeout_s * 1000)));
   options.json = words.json;

@@ -5,6 +5,7 @@
 #include "commands.h"
 #include "commands/brightness_commands.h"
 #include "drawing.h"
+#include "number_check.h"
 
 namespace ctl {
 namespace {
@@ -69,7 +70,7 @@ Run DeclarePreview(CLI::App& app) {
   app.add_option("--noon", words->noon,
                  "Light at noon that the sensor is taken to see (default: where its map ends)")
       ->type_name("LUX")
-      ->check(CLI::Range(1, 65534));
+      ->check(NumberFrom(1, 65534));
   AddPictureScale(app, words->drawing);
   return [words](Context& context) { return Preview(context, *words); };
 }

@@ -2,6 +2,7 @@
 #include <thread>
 
 #include "commands.h"
+#include "number_check.h"
 #include "proto/calc_brightness.h"
 #include "proto/calc_brightness_lux.h"
 #include "register.h"
@@ -84,7 +85,8 @@ const Command kCardLux{
     "  quivordctl card lux --port 0\n", [](CLI::App& app) {
       const auto sensor = std::make_shared<unsigned>(0);
       app.add_option("--sensor", *sensor, "Address of the sensor on the card, 0 to 5")
-          ->check(CLI::Range(0, 5));
+          ->type_name("N")
+          ->check(NumberFrom(0, 5));
       return BehindAPort([sensor](Context& context) { return ShowLux(context, *sensor); },
                          ZEPH_MCUC::JSHL_TypeMultiFunc);
     }};

@@ -9,6 +9,7 @@
 #include "commands.h"
 #include "commands/edid_device.h"
 #include "file_fault.h"
+#include "number_check.h"
 #include "process/calc_inputsource.h"
 #include "subcommands.h"
 #include "table.h"
@@ -38,7 +39,7 @@ CLI::Option* DeclareGroup(CLI::App& app, Words& words) {
                   "Input group, 0 to 2 (default: the current one). Another one is made current "
                   "for as long as it takes")
       ->type_name("G")
-      ->check(CLI::Range(0, kReachableGroups - 1));
+      ->check(NumberFrom(0, kReachableGroups - 1));
 }
 
 // Connects, selects the group of the command line, runs `work(device, group)` and puts the input

@@ -3,6 +3,7 @@
 #include "commands/gamma_commands.h"
 #include "commands/picture_mode.h"
 #include "json/load.h"
+#include "number_check.h"
 #include "proto/calc_rgbgamma.h"
 
 namespace ctl {
@@ -105,7 +106,7 @@ Run Declare(CLI::App& app) {
   app.add_option("FILE", words->file, "Tables: numbers as text, or bytes as the FPGA takes them");
   app.add_option("--exponent", words->exponent, "A power curve instead of a file")
       ->type_name("E")
-      ->check(CLI::Range(0.1, 25.0));
+      ->check(NumberFrom(0.1, 25.0));
   app.add_option("--depth", words->depth, "Bits of the signal that the set is for")
       ->type_name("BITS")
       ->check(CLI::IsMember({10, 12}))

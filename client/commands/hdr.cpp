@@ -1,5 +1,6 @@
 #include "commands.h"
 #include "commands/picture_mode.h"
+#include "number_check.h"
 #include "proto/calc_curves.h"
 #include "subcommands.h"
 
@@ -119,7 +120,7 @@ Run DeclareOff(CLI::App& /*app*/) {
 
 void DeclareNumber(CLI::App& app, const char* name, const char* meaning, int least, int most,
                    std::optional<std::uint16_t>* value) {
-  app.add_option(name, *value, meaning)->type_name("N")->check(CLI::Range(least, most));
+  app.add_option(name, *value, meaning)->type_name("N")->check(NumberFrom(least, most));
 }
 
 Run DeclareHdr10(CLI::App& app) {

@@ -2,6 +2,7 @@
 #include <thread>
 
 #include "commands.h"
+#include "number_check.h"
 #include "numbers.h"
 #include "proto/calc_feature_words.h"
 #include "trace/interrupt.h"
@@ -50,7 +51,8 @@ Exit Monitor(Context& context, const Words& words) {
 Run Declare(CLI::App& app) {
   const auto words = std::make_shared<Words>();
   app.add_option("--count", words->count, "End after so many reports (default: never)")
-      ->type_name("N");
+      ->type_name("N")
+      ->check(NumberFrom(1U, UINT32_MAX));
   return [words](Context& context) { return Monitor(context, *words); };
 }
 

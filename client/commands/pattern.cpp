@@ -1,6 +1,7 @@
 #include "wall/pattern.h"
 #include "commands.h"
 #include "device.h"
+#include "number_check.h"
 #include "proto/calc_pattern.h"
 #include "subcommands.h"
 
@@ -130,10 +131,10 @@ void DeclareAxis(CLI::App& app, const char* step, const char* first, Axis* axis)
   app.add_option(step, axis->step, "Pixels from one to the next")
       ->required()
       ->type_name("N")
-      ->check(CLI::Range(1, 65535));
+      ->check(NumberFrom(1, 65535));
   app.add_option(first, axis->first, "Where the first one is, pixels")
       ->type_name("N")
-      ->check(CLI::Range(-32768, 32767));
+      ->check(NumberFrom(-32768, 32767));
 }
 
 Run DeclarePixel(CLI::App& app) {

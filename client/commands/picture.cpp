@@ -1,5 +1,6 @@
 #include "commands.h"
 #include "device.h"
+#include "number_check.h"
 #include "proto/calc_hc.h"
 #include "subcommands.h"
 
@@ -94,13 +95,13 @@ Run DeclareSet(CLI::App& app) {
   const auto words = std::make_shared<Words>();
   app.add_option("--saturation", words->saturation, "0 is gray, 50 as it comes, 100 twice as much")
       ->type_name("N")
-      ->check(CLI::Range(0, kMost));
+      ->check(NumberFrom(0, kMost));
   app.add_option("--contrast", words->contrast, "0 is dark, 50 as it comes, 100 twice as much")
       ->type_name("N")
-      ->check(CLI::Range(0, kMost));
+      ->check(NumberFrom(0, kMost));
   app.add_option("--hue", words->hue, "Degrees that colours turn by")
       ->type_name("N")
-      ->check(CLI::Range(-180, 359));
+      ->check(NumberFrom(-180, 359));
   return [words](Context& context) {
     if (words->any()) return Do(context, *words);
     return context.Fail(Exit::kWrongUse, "give --saturation, --contrast or --hue");

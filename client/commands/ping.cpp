@@ -2,6 +2,7 @@
 #include <cstdio>
 
 #include "commands.h"
+#include "number_check.h"
 
 namespace ctl {
 namespace {
@@ -51,7 +52,7 @@ Run Declare(CLI::App& app) {
   const auto words = std::make_shared<Words>();
   app.add_option("--count", words->count, "Number of round trips")
       ->type_name("N")
-      ->check(CLI::Range(1U, kMostPings))
+      ->check(NumberFrom(1U, kMostPings))
       ->capture_default_str();
   return [words](Context& context) { return Ping(context, *words); };
 }

@@ -10,6 +10,7 @@
 #include "board/settings.h"
 #include "commands.h"
 #include "file_fault.h"
+#include "number_check.h"
 #include "record/recording.h"
 #include "trace/busline.h"
 #include "trace/follower.h"
@@ -24,6 +25,7 @@ namespace trace = quivord::trace;
 using Clock = std::chrono::steady_clock;
 
 constexpr auto kLook = std::chrono::milliseconds(50);
+constexpr double kMostSeconds = 366 * 24 * 3600.0;
 constexpr auto kBusKind = static_cast<unsigned>(board::TraceKind::kBus);
 
 struct Words {
@@ -135,7 +137,7 @@ Run Declare(CLI::App& app) {
       ->required();
   app.add_option("--for", words->seconds, "End after so long (default: with Ctrl-C)")
       ->type_name("SECONDS")
-      ->check(CLI::PositiveNumber);
+      ->check(NumberFrom(0.001, kMostSeconds));
   app.add_flag("--once", words->once, "Keep what the trace has already, and end");
   return [words](Context& context) { return Record(context, *words); };
 }

@@ -5,6 +5,7 @@
 #include "board/files.h"
 #include "commands.h"
 #include "file_fault.h"
+#include "number_check.h"
 #include "numbers.h"
 #include "record/text.h"
 
@@ -50,9 +51,6 @@ record::Manner MannerOf(const Context& context, const Words& words, std::string&
   const Options& options = context.options;
   const auto speed = ParseSpeed(words.speed);
   if (!speed.has_value()) fault = "--speed is a number from 0 to 1000000, or fast";
-  if (!(words.patience_s >= 0 && words.patience_s <= kMostPatience_s)) {
-    fault = "--patience is a number of seconds from 0 to 3600";
-  }
   record::Manner manner{
       .speed = speed.value_or(1),
       .compare = words.compare,
@@ -108,6 +106,7 @@ Run Declare(CLI::App& app) {
   app.add_option("--patience", words->patience_s,
                  "With --compare: how long in all to wait for answers to become the same")
       ->type_name("SECONDS")
+      ->check(NumberFrom(0.0, kMostPatience_s))
       ->capture_default_str();
   app.add_option("--ignore", words->ignored,
                  "With --compare: registers that may differ, as ADDRESS or ADDRESS:BYTES")

@@ -5,6 +5,7 @@
 
 #include "commands.h"
 #include "commands/reset_report.h"
+#include "number_check.h"
 #include "numbers.h"
 #include "option_words.h"
 #include "table.h"
@@ -164,7 +165,7 @@ Run Declare(CLI::App& app) {
   app.add_flag("--yes", words->yes, "Don't ask");
   app.add_option("--limit", words->limit_s, "How long it may take until the device is up again")
       ->type_name("SECONDS")
-      ->check(CLI::Range(1.0, 3600.0))
+      ->check(NumberFrom(1.0, 3600.0))
       ->capture_default_str();
   return [words](Context& context) { return Reset(context, *words); };
 }

@@ -1,5 +1,6 @@
 #include "commands.h"
 #include "draw/paint.h"
+#include "number_check.h"
 #include "table.h"
 #include "video/mode.h"
 #include "video/scale_picture.h"
@@ -55,7 +56,8 @@ Run Declare(CLI::App& app) {
                  "Region that the output drives (default: the layer's own)")
       ->type_name("RECT");
   app.add_option("--scaler", words->scaler, "Scaler: 0 to 2 of medium quality, 3 the preview's")
-      ->check(CLI::Range(0, 3))
+      ->type_name("N")
+      ->check(NumberFrom(0, 3))
       ->capture_default_str();
   WritesFile(app.add_option("--draw", words->file, "Draw the rectangles into a .png or .svg"))
       ->type_name("FILE");

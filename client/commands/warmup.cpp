@@ -1,5 +1,6 @@
 #include "commands.h"
 #include "device.h"
+#include "number_check.h"
 #include "proto/calc_hc.h"
 #include "subcommands.h"
 
@@ -68,10 +69,10 @@ Exit Do(const Context& context, const Words& words) {
 
 Run DeclareSet(CLI::App& app) {
   const auto words = std::make_shared<Words>();
-  app.add_option("--mode", words->mode, "Mode, a byte")->type_name("N")->check(CLI::Range(0, 255));
+  app.add_option("--mode", words->mode, "Mode, a byte")->type_name("N")->check(NumberFrom(0, 255));
   app.add_option("--time", words->time, "Time of a step, a byte")
       ->type_name("N")
-      ->check(CLI::Range(0, 255));
+      ->check(NumberFrom(0, 255));
   return [words](Context& context) {
     if (words->mode || words->time) return Do(context, *words);
     return context.Fail(Exit::kWrongUse, "give --mode or --time");

@@ -88,7 +88,11 @@ TEST(Quivordctl, WrongUseEndsWith2AndOneLine) {
                             "--card 65535 read 1 1",
                             "--timeout 0 read 1 1",
                             "--timeout nan read 1 1",
-                            "ping --count 0"}) {
+                            "ping --count 0",
+                            "monitor --count 0",
+                            "monitor --count x",
+                            "record x --for 0",
+                            "scale --scaler 4"}) {
     const RunResult result = support::ExpectCtl({words, "2"});
     EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
   }
