@@ -28,13 +28,15 @@ struct Answer;  // of a device, register.h
 struct Context {
   const Options& options;
   Output& out;
+  std::string called;  // the command, as "quivordctl wall show"
 
   // Connects as the options say, else as `default_id`; `on_report` and `on_end` as in `Connection`.
   quivord::Result<std::unique_ptr<quivord::Client>> Connect(
       std::uint32_t default_id = 0, std::function<void(const quivord::Report&)> on_report = nullptr,
       std::function<void(const quivord::Error&)> on_end = nullptr) const;
 
-  // Says on standard error what went wrong, and gives the exit status that goes with it.
+  // Says on standard error what went wrong and, where `text` names no command itself, what to do
+  // next. Gives the exit status that goes with it.
   Exit Fail(const quivord::Error& error) const;
   Exit Fail(const Answer& answer) const;
   Exit Fail(Exit exit, const std::string& text) const;

@@ -61,7 +61,7 @@ Exit CommandTree::RunOnOne(const OptionWords& words) const {
   const Options options = Understand(words);
   NameWrittenFiles(options.board);
   Output out(options.json);
-  Context context{options, out};
+  Context context{options, out, Called()};
   for (const auto& [command, run] : commands_) {
     if (command->parsed()) return run(context);
   }

@@ -1,7 +1,21 @@
+#include "all_boards.h"
 #include "command.h"
 #include "register.h"
 
 namespace ctl {
+namespace {
+
+// What follows `text`, a fault; empty where nothing helps or it says so itself.
+std::string NextStep(const Context& context, Exit exit, const std::string& text) {
+  if (text.find("quivordctl ") != text.npos) return "";
+  if (exit == Exit::kWrongUse) return "; see " + context.called + " --help";
+  if (exit != Exit::kNoAnswer) return "";
+  const auto& folder = context.options.board;
+  const bool fleet = !std::filesystem::exists(folder / "board.conf") && !BoardsIn(folder).empty();
+  return fleet ? "; the boards in it answer to --all" : "; 'quivordctl doctor' looks why";
+}
+
+}  // namespace
 
 Exit ExitFor(quivord::Trouble trouble) {
   switch (trouble) {
@@ -31,8 +45,7 @@ Exit Context::Fail(const quivord::Error& error) const {
 Exit Context::Fail(const Answer& answer) const { return Fail(answer.exit, answer.text); }
 
 Exit Context::Fail(Exit exit, const std::string& text) const {
-  const char* const next = exit == Exit::kNoAnswer ? "; 'quivordctl doctor' looks why" : "";
-  out.Fault(text + next, static_cast<int>(exit));
+  out.Fault(text + NextStep(*this, exit, text), static_cast<int>(exit));
   return exit;
 }
 

@@ -21,7 +21,7 @@ Run BehindAPort(Run run, ZEPH_MCUC::JSHL_ProtoDeviceType_e kind) {
   return [run = std::move(run), kind](Context& context) {
     Options options = context.options;
     if (options.target.device == ZEPH_MCUC::JSHL_TypeSender) options.target.device = kind;
-    Context card{options, context.out};
+    Context card{options, context.out, context.called};
     return run(card);
   };
 }

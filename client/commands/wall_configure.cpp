@@ -40,7 +40,23 @@ std::optional<std::uint64_t> ParseCount(const std::string& word, std::uint64_t m
   return number == 0 ? std::nullopt : number;
 }
 
+// The numbers that aren't given, "--rows, --columns".
+std::string Missing(const ConfigureWords& words) {
+  std::string missing;
+  for (const auto& [name, word] : {std::pair("--rows", &words.rows),
+                                   {"--columns", &words.columns},
+                                   {"--cables", &words.cables},
+                                   {"--per-cable", &words.perCable}}) {
+    if (word->empty()) missing += (missing.empty() ? "" : ", ") + std::string(name);
+  }
+  return missing;
+}
+
 quivord::Result<wall::Smart> FromNumbers(const ConfigureWords& words) {
+  if (!words.anyNumber())
+    return Wrong("give a FILE, or --rows, --columns, --cables and --per-cable");
+  if (const std::string missing = Missing(words); !missing.empty())
+    return Wrong("give " + missing + " too");
   const auto rows = ParseCount(words.rows, 255);
   const auto columns = ParseCount(words.columns, 255);
   const auto perCable = ParseCount(words.perCable, 512);

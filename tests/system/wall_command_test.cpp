@@ -80,7 +80,8 @@ TEST_F(WallCommand, RefusesInWords) {
       configure --rows 4 --columns 5 --cables 0 --per-cable 1   | 1 | at least 2
       configure --rows 0 --columns 5 --cables 0 --per-cable 1   | 2 | --rows is a number from 1 to 255
       configure --rows 1 --columns 5 --cables 0 --per-cable 513 | 2 | --per-cable is a number from 1
-      configure --rows 4                                        | 2 | --columns
+      configure --rows 4 --columns 5 --cables 0                 | 2 | give --per-cable too; see quivordctl wall configure --help
+      configure                                                 | 2 | give a FILE, or --rows
       configure --rows 256 --columns 1 --cables 0 --per-cable 1 | 2 | --rows
       configure %/smart.json --rows 4                           | 2 | leave out the numbers
       configure %/advanced.json                                 | 2 | wall advanced
