@@ -36,8 +36,8 @@ std::span<const std::uint8_t> FeaturePage::Bytes(const FeatureRegister& row) con
 }
 
 std::unique_ptr<Device> Device::Open(const Context& context, Exit& exit) {
-  if (context.options.target.device != JSHL_TypeSender) {
-    exit = context.Fail(Exit::kWrongUse, "this is about the sending card; leave --device out");
+  if (const auto obstacle = SenderObstacle(context.options)) {
+    exit = context.Fail(Exit::kWrongUse, *obstacle);
     return nullptr;
   }
   auto client = context.Connect();

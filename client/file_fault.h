@@ -1,4 +1,4 @@
-// Why a file can't be read or written, as all texts have it.
+// Why a file can't be read or written, or a board isn't there, as all texts have it.
 #pragma once
 
 #include <string>
@@ -17,6 +17,10 @@ inline std::string CannotRead(const std::string& file, int error) {
 
 inline std::string CannotWrite(const std::string& file, int error) {
   return file + " can't be written" + ReasonOf(error);
+}
+
+inline std::string NoBoardAt(const std::string& folder) {
+  return "no board at " + folder + "; 'quivord-board create' makes one";
 }
 
 }  // namespace quivord

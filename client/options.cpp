@@ -93,9 +93,9 @@ Options Understand(const OptionWords& words) {
   options.target.device = Want(Look(kDevices, words.device), "--device",
                                "is sender, receiver, multi, distribute or launcher");
   options.target.port = static_cast<std::uint8_t>(
-      Place(words.port, 15, 0xFF, "--port", "is a port from 0 to 15, or all"));
+      Place(words.port, 15, kAllPorts, "--port", "is a port from 0 to 15, or all"));
   options.target.board =
-      Place(words.card, 0xFFFE, 0xFFFF, "--card", "is a place from 0 to 65534, or all");
+      Place(words.card, 0xFFFE, kAllCards, "--card", "is a place from 0 to 65534, or all");
   options.portGiven = !words.port.empty();
   options.cardGiven = !words.card.empty();
   options.timeout =

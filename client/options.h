@@ -12,6 +12,10 @@
 
 namespace ctl {
 
+// What `all` stands for behind --port and --card.
+inline constexpr std::uint8_t kAllPorts = 0xFF;
+inline constexpr std::uint16_t kAllCards = 0xFFFF;
+
 struct Options {
   std::filesystem::path board;      // the board folder
   std::optional<std::uint32_t> as;  // task identifier, slot included; none: what the command likes

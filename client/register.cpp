@@ -19,11 +19,24 @@ Answer AnswerOf(const quivord::Outcome& outcome) {
   return outcome ? Answer{} : AnswerOf(outcome.error());
 }
 
+std::optional<std::string> SenderObstacle(const Options& options) {
+  const bool sender = options.target.device == ZEPH_MCUC::JSHL_TypeSender;
+  if (sender && !options.portGiven && !options.cardGiven) return std::nullopt;
+  return "this is about the sending card; leave out --device, --port and --card";
+}
+
+std::optional<std::string> ReadObstacle(const Options& options) {
+  const quivord::Target& target = options.target;
+  const bool many = target.port == kAllPorts || target.board == kAllCards;
+  if (target.device == ZEPH_MCUC::JSHL_TypeSender || !many) return std::nullopt;
+  return "one card is asked at a time; name it by --port and --card";
+}
+
 quivord::Result<std::unique_ptr<quivord::Client>> ConnectForSender(const Context& context,
                                                                    const std::string& what) {
-  if (context.options.target.device == ZEPH_MCUC::JSHL_TypeSender) return context.Connect();
+  if (!SenderObstacle(context.options)) return context.Connect();
   return quivord::Error{quivord::Trouble::kWrongUse,
-                        what + " is the sending card's; leave out --device"};
+                        what + " is the sending card's; leave out --device, --port and --card"};
 }
 
 Registers RegistersOf(const Options& options, quivord::Client& client) {

@@ -24,6 +24,12 @@ struct Answer {
 Answer AnswerOf(const quivord::Error& error);
 Answer AnswerOf(const quivord::Outcome& outcome);
 
+// Why the options don't fit what is the sending card's alone; nothing where they do.
+std::optional<std::string> SenderObstacle(const Options& options);
+
+// Why they don't fit a read: many cards behind the ports would answer.
+std::optional<std::string> ReadObstacle(const Options& options);
+
 // Connects for what is the sending card's alone, `what`: "a wall".
 quivord::Result<std::unique_ptr<quivord::Client>> ConnectForSender(const Context& context,
                                                                    const std::string& what);

@@ -27,6 +27,8 @@ Run BehindAPort(Run run, ZEPH_MCUC::JSHL_ProtoDeviceType_e kind) {
 }
 
 Exit ShowSize(Context& context) {
+  const auto obstacle = ReadObstacle(context.options);
+  if (obstacle.has_value()) return context.Fail(Exit::kWrongUse, *obstacle);
   const auto client = context.Connect();
   if (!client) return context.Fail(client.error());
   const Answer answer = ReadRegister(context.options, *client.value(), kSizeRegister, 4);
@@ -41,6 +43,8 @@ Exit ShowSize(Context& context) {
 
 Exit ShowLux(Context& context, unsigned sensor) {
   using namespace ZEPH_MCUC::brightness;
+  const auto obstacle = ReadObstacle(context.options);
+  if (obstacle.has_value()) return context.Fail(Exit::kWrongUse, *obstacle);
   const auto client = context.Connect();
   if (!client) return context.Fail(client.error());
   const auto request = SensorRequest(static_cast<std::uint8_t>(sensor));

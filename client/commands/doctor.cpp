@@ -63,6 +63,8 @@ nlohmann::json Json(const Context& context, const std::vector<Finding>& findings
 }
 
 Exit Doctor(Context& context) {
+  const auto obstacle = SenderObstacle(context.options);
+  if (obstacle.has_value()) return context.Fail(Exit::kWrongUse, *obstacle);
   std::error_code failed;
   Patient patient{context, std::filesystem::is_directory(context.options.board, failed)};
   std::vector<Finding> findings;

@@ -3,6 +3,7 @@
 
 #include "commands.h"
 #include "number_check.h"
+#include "register.h"
 
 namespace ctl {
 namespace {
@@ -24,6 +25,8 @@ double Percentile(const std::vector<double>& times, std::size_t percent) {
 }
 
 Exit Ping(Context& context, const Words& words) {
+  const auto obstacle = SenderObstacle(context.options);
+  if (obstacle.has_value()) return context.Fail(Exit::kWrongUse, *obstacle);
   const auto client = context.Connect();
   if (!client) return context.Fail(client.error());
   std::vector<double> times;

@@ -17,6 +17,8 @@ Exit Read(Context& context, const Words& words) {
   if (!length.has_value()) {
     return context.Fail(Exit::kWrongUse, "LENGTH is a number of bytes from 0 to 65516");
   }
+  const auto obstacle = ReadObstacle(context.options);
+  if (obstacle.has_value()) return context.Fail(Exit::kWrongUse, *obstacle);
   const auto client = context.Connect();
   if (!client) return context.Fail(client.error());
   const auto place = static_cast<std::uint32_t>(*address);

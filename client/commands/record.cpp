@@ -38,7 +38,7 @@ struct Words {
 // configuration when it starts, so a change of it shows late.
 std::string Obstacle(const std::filesystem::path& board) {
   std::ifstream file(board / "board.conf");
-  if (!file) return "no board at " + board.string();
+  if (!file) return quivord::NoBoardAt(board);
   const std::string text{std::istreambuf_iterator<char>(file), {}};
   board::Settings settings;
   std::string fault = board::ParseSettings(text, (board / "board.conf").string(), settings);

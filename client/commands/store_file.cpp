@@ -39,7 +39,7 @@ board::FileHandle TakeLock(const fs::path& folder, std::string& fault) {
 std::optional<StoreFile> StoreFile::Open(const fs::path& folder, board::Store store,
                                          std::string& fault) {
   if (!fs::is_directory(folder)) {
-    fault = "no board at " + folder.string() + "; 'quivord-board create' makes one";
+    fault = quivord::NoBoardAt(folder);
     return std::nullopt;
   }
   setenv("QUIVORD_BOARD", folder.c_str(), 1);

@@ -92,7 +92,13 @@ TEST(Quivordctl, WrongUseEndsWith2AndOneLine) {
                             "monitor --count 0",
                             "monitor --count x",
                             "record x --for 0",
-                            "scale --scaler 4"}) {
+                            "scale --scaler 4",
+                            "ping --port 3",
+                            "output open --card 5",
+                            "wall show --port 1",
+                            "card size --port all",
+                            "card lux --card all",
+                            "--device receiver --port all read 1 1"}) {
     const RunResult result = support::ExpectCtl({words, "2"});
     EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
   }
