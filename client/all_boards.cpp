@@ -23,22 +23,25 @@ constexpr int kQuiet_ms = 200;  // after which what has come is shown
 
 // One of a board's two outputs.
 struct Stream {
-  std::string board;
+  fs::path board;
   std::FILE* to;          // standard output or error
   int from;               // the pipe, -1 once it has ended
   bool json;              // whether its lines are objects
   std::string text = {};  // not yet shown
 };
 
+// The line with its board: docs/schema/all.json describes what an object gets.
 std::string Tagged(const Stream& stream, const std::string& line) {
+  const std::string name = stream.board.filename();
   if (stream.json) {
     nlohmann::json object = nlohmann::json::parse(line, nullptr, false);
     if (object.is_object()) {
-      object["board"] = stream.board;
+      object["board"] = name;
+      object["folder"] = stream.board;
       return object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
     }
   }
-  return stream.board + "  " + line;
+  return name + "  " + line;
 }
 
 // Shows the whole lines, or all where no more will come.
@@ -139,8 +142,8 @@ int RunOnAll(const std::vector<fs::path>& boards, bool json,
     close(out[1]);
     close(err[1]);
     processes.push_back(process);
-    streams.push_back({board.filename(), stdout, out[0], json});
-    streams.push_back({board.filename(), stderr, err[0], false});
+    streams.push_back({board, stdout, out[0], json});
+    streams.push_back({board, stderr, err[0], false});
   }
   Relay(streams);
   int worst = 0;

@@ -23,6 +23,7 @@ ADVANCED = {"kind": "advanced", "ports": [{"port": 0, "cables": "top-left-rows",
 RUNNING = """
 doctor                       doctor
 status                       status
+status.all                   status --all
 output-show                  output show
 output-open                  output open
 output-close                 output close
@@ -131,13 +132,14 @@ class Answer:
 
 class Scenario:
     def __init__(self):
-        self.board = pathlib.Path(tempfile.mkdtemp(prefix="quivord-interface-"))
+        self.fleet = pathlib.Path(tempfile.mkdtemp(prefix="quivord-interface-"))
+        self.board = self.fleet / "01"
         self.files = self.board / "files-of-the-run"
         self.answers = {}
         self.daemon = None
 
     def close(self):
-        shutil.rmtree(self.board, ignore_errors=True)
+        shutil.rmtree(self.fleet, ignore_errors=True)
 
     def tool(self, *words):
         subprocess.run([BUILD / "quivord-board", *words], check=True, stdout=subprocess.DEVNULL)
@@ -147,7 +149,8 @@ class Scenario:
         return [word.replace("{e}", str(EXAMPLES)).replace("{t}", str(self.files)) for word in smart.split()]
 
     def start(self, words):
-        return subprocess.Popen([BUILD / "quivordctl", "--board", self.board, "--json", *words], text=True,
+        board = self.fleet if "--all" in words else self.board
+        return subprocess.Popen([BUILD / "quivordctl", "--board", board, "--json", *words], text=True,
                                 stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, stdin=subprocess.DEVNULL)
 
     def end(self, name, line, process):
