@@ -19,7 +19,7 @@ std::string Commands(const CLI::App& app, const std::string& before) {
 
 Exit Print(const std::string& text) {
   std::fputs(text.c_str(), stdout);
-  return text.empty() ? Exit::kRefused : Exit::kDone;
+  return Exit::kDone;
 }
 
 }  // namespace
@@ -33,8 +33,12 @@ std::optional<Exit> RunHidden(CommandTree& tree, std::span<const std::string> wo
   }
   if (words[0] == "commands") return Print(Commands(app, ""));
   if (words[0] != "manual") return std::nullopt;
-  return Print(words.size() < 2 ? ProgramManual(app, kProgramVersion)
-                                : CommandManual(app, words[1], kProgramVersion));
+  if (words.size() < 2) return Print(ProgramManual(app, kProgramVersion));
+  const std::string page = CommandManual(app, words[1], kProgramVersion);
+  if (!page.empty()) return Print(page);
+  Output(false).Fault("no command is called '" + words[1] + "'; see quivordctl --help",
+                      static_cast<int>(Exit::kWrongUse));
+  return Exit::kWrongUse;
 }
 
 }  // namespace ctl

@@ -51,7 +51,7 @@ Exit Set(Context& context, const SetWords& words) {
   const Answer answer = WriteRegister(options, *client.value(), table::kCardBrightness, {*value});
   if (!answer.done()) return context.Fail(answer);
   context.out.Show(
-      CardsText(options.target) + " at " + brightness::BrightnessText(*value) +
+      "sent to " + CardsText(options.target) + ": " + brightness::BrightnessText(*value) +
           OverruledBy(options, *client.value()),
       {{"brightness", *value}, {"port", options.target.port}, {"card", options.target.board}});
   return Exit::kDone;

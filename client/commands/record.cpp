@@ -9,6 +9,7 @@
 #include "board/board.h"
 #include "board/settings.h"
 #include "commands.h"
+#include "counted.h"
 #include "file_fault.h"
 #include "number_check.h"
 #include "record/recording.h"
@@ -93,8 +94,9 @@ class Keeper {
 };
 
 std::string Summary(const Keeper& keeper, const Words& words) {
-  std::string text = "kept " + std::to_string(keeper.frames()) + " frames of " +
-                     std::to_string(keeper.peers()) + " peers in " + words.file;
+  using quivord::Counted;
+  std::string text = "kept " + Counted(keeper.frames(), "frame") + " of " +
+                     Counted(keeper.peers(), "peer") + " in " + words.file;
   if (keeper.broken() != 0) {
     text += "\nleft out " + std::to_string(keeper.broken()) + " that the trace has in part only";
   }

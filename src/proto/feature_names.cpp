@@ -22,7 +22,10 @@ constexpr uint32_t kMostPowerOnTime = 254;  // the same
 constexpr uint32_t kLeastOvertime_s = 2;    // what a start takes from the stored image
 constexpr uint32_t kMostOvertime_s = 0x77;
 
-constexpr Choice kRoles[] = {{0, "master"}, {kRoleSlave, "slave"}, {kRoleBackup, "backup"}};
+constexpr Choice kRoles[] = {{0, "master"},
+                             {kRoleSlave, "slave"},
+                             {kRoleBackup, "backup"},
+                             {kNoRole, "none", Choice::kNever}};
 constexpr Choice kOutputs[] = {{0, "closed"}, {kOutputOpen, "open"}};
 constexpr Choice kBypasses[] = {{0, "off"}, {1, "on", kBypassOn}, {2, "service", Choice::kNever}};
 constexpr Choice kSpeeds[] = {{0, "off"}, {1, "on"}};
@@ -111,7 +114,8 @@ constexpr Register kDevice[] = {
      .meaning = "the device's clock",
      .effect = "system clock and hardware clock are set"},
     Chosen("role", kRole, kRoles,
-           "role; backup is a master that counts as backup from the next start on",
+           "what the device is to others; backup is a master that counts as backup from the next "
+           "start on, and a wall's layout leaves none",
            "all ports take the role; the slave mark of the store is cleared"),
     // After a restore the daemon's copy says open where the FPGA is closed: the cell is asked.
     ChosenCell("output", kOutput, kClient, kOutputs, "FPGA output; a start closes it"),
@@ -166,7 +170,7 @@ constexpr Register kScreen[] = {
     Pixels("screen-height", kScreenHeight, "height of the screen",
            "the screen size is stored, and the change counted", kMostWord),
     Chosen("bypass", kBypass, kBypasses,
-           "bypass: on by offset-x and offset-y, or by the service daemon's offsets",
+           "switched on by offset-x and offset-y, or by the service daemon's offsets",
            "the screen shrinks by the offsets, the offsets become 0"),
     {.name = "bypass-offset",
      .offset = kBypassX,

@@ -93,6 +93,7 @@ TEST(Quivordctl, WrongUseEndsWith2AndOneLine) {
                             "monitor --count x",
                             "record x --for 0",
                             "scale --scaler 4",
+                            "manual bogus",
                             "ping --port 3",
                             "output open --card 5",
                             "wall show --port 1",
