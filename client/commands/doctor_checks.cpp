@@ -177,10 +177,9 @@ Finding LookAtCards(Patient& patient) {
 }
 
 constexpr char kBringBack[] =
-    "stop the daemon and bring it back: 'quivordctl store put 0 --file BACKUP', with --store "
-    "factory "
-    "for brmpara_factory; without a backup remove what is left of it, and a simulated board makes "
-    "one anew when it starts";
+    "stop the daemon and bring it back: 'quivordctl store put 0 --file BACKUP', with '--store "
+    "factory' for brmpara_factory; without a backup remove what is left of it, and a simulated "
+    "board makes one anew when it starts";
 
 Finding LookAtStores(Patient& patient) {
   if (!patient.folder) return {Health::kUnknown, kNoFolder};
