@@ -15,9 +15,8 @@ std::string BoundText(Number bound) {
   return text;
 }
 
-// Checks that an option is a number from `least` to `most`, whole where these are. In the help it
-// is
-// "[LEAST to MOST]".
+// Checks that an option is a number from `least` to `most`, whole where these are. The help says
+// the range in brackets.
 template <class Number>
 CLI::Validator NumberFrom(Number least, Number most) {
   const std::string range = BoundText(least) + " to " + BoundText(most);
